@@ -18,7 +18,7 @@ ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 
 cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTYX_SANITIZE=thread \
       -DTYX_BUILD_BENCH=OFF >/dev/null
-if compgen -G "tests/threaded/*.cpp" >/dev/null; then
+if compgen -G "tests/threaded/*/*.cpp" >/dev/null; then
   cmake --build build-tsan -j"$jobs" --target threaded_tests
   TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" \
     ctest --test-dir build-tsan --output-on-failure -L threaded

@@ -1,0 +1,335 @@
+#include "plugin/Plugin.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "gui/Editor.h"
+#include "plugin/ParameterTable.h"
+
+using namespace params;
+
+namespace {
+
+constexpr int kMinFrameSize = 4096;
+constexpr int kMinRate = 5000;
+constexpr int kMaxRate = 200000;
+constexpr int kFallbackRate = 44100;
+constexpr double kOutputSmoothingHz = 30.0;
+constexpr double kPi = 3.14159265358979323846;
+
+}  // namespace
+
+Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaster) {
+    platform::TimedLock::Guard constructing(engineLock);
+
+    cEffect.version = kVersion;
+    setNumInputs(2);
+    setNumOutputs(2);
+    inputChannels = outputChannels = 2;
+    setUniqueID(kUniqueId);
+    canProcessReplacing(true);
+    canDoubleReplacing(true);
+
+    intRate = kFallbackRate;
+    rate = kFallbackRate;
+    frameSize = kMinFrameSize;
+    partition = 2 * kMinFrameSize;
+    gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+    auditionSelector = kChannelLink;
+    auditionBand = -1;
+
+    for (int i = 0; i < kUsedParameters; ++i) {
+        values[i] = startValue(i);
+        if (const int n = stepCount(i)) steps[i] = quantize(values[i], n);
+    }
+    for (int side = 0; side < 2; ++side)
+        for (int b = 0; b < kBands; ++b) {
+            steps[bandIndex(0, side, b)] = kFirstBypassType;
+            bands[side][b] = BandValues{};
+        }
+    channel = steps[kChannel] + 1;
+    gainTarget = std::pow(10.0, (values[kOutput] - 0.5) * 24.0 / 20.0);
+    currentGain = gainTarget;
+    suspend();
+
+    pluginEditor = new Editor(this);
+    setEditor(pluginEditor);
+    restoreStartupState();
+    selectPreset(0);
+}
+
+Plugin::~Plugin() = default;  // the base class deletes the editor
+
+// ---------------------------------------------------------------------------------------------
+// Host boundary
+
+void Plugin::suspend() {
+    platform::TimedLock::Guard guard(engineLock);
+    if (!guard) return;
+    resetOutputPeaks();
+    currentGain = gainTarget;
+}
+
+void Plugin::setSampleRate(float hostRate) {
+    platform::TimedLock::Guard guard(engineLock);
+    if (!guard) return;
+    sampleRate = hostRate;
+    // Guarded so that NaN or values beyond int never reach the conversion.
+    int newRate = (hostRate >= kMinRate && hostRate < kMaxRate + 1) ? static_cast<int>(hostRate) : kFallbackRate;
+    if (newRate < kMinRate || newRate > kMaxRate) newRate = kFallbackRate;
+    if (newRate != intRate) {
+        intRate = newRate;
+        rate = newRate;
+        gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+    }
+}
+
+void Plugin::setBlockSize(VstInt32 size) {
+    platform::TimedLock::Guard guard(engineLock);
+    if (!guard) return;
+    blockSize = size;
+    partition = partitionForBlock(true);
+    suspend();
+}
+
+// The engine's partition length from the host block size: twice the block at ordinary rates,
+// less at high rates where the engine runs decimated, twice that with FAT, never more than
+// twice the frame. setBlockSize counts a rate on a threshold as the lower class, a FAT or
+// Resolution change as the higher one. Never below 2, so that a hop is at least one sample.
+int Plugin::partitionForBlock(bool inclusiveThresholds) const {
+    const int b = blockSize > 0 ? blockSize : 1;
+    int p;
+    if (inclusiveThresholds) p = intRate <= 50000 ? 2 * b : intRate <= 100000 ? b : b / 2;
+    else p = intRate < 50000 ? 2 * b : intRate < 100000 ? b : b / 2;
+    if (steps[kFat] == 1) p *= 2;
+    if (p > 2 * frameSize) p = 2 * frameSize;
+    return p < 2 ? 2 : p;
+}
+
+void Plugin::reconfigureFrame() {
+    platform::TimedLock::Guard guard(engineLock);
+    if (!guard) return;
+    const int resolution = steps[kResolution] < 0 ? 0 : steps[kResolution];
+    const int fat = steps[kFat] < 0 ? 0 : steps[kFat];
+    frameSize = kMinFrameSize << (resolution + fat);
+    partition = partitionForBlock(false);
+    suspend();
+}
+
+// Until the equalizer engine is in place the plug-in passes its input through unchanged.
+template <typename Sample>
+static void passThrough(Sample** inputs, Sample** outputs, VstInt32 frames) {
+    if (!inputs || !outputs || frames <= 0) return;
+    for (int c = 0; c < 2; ++c) {
+        Sample* in = inputs[c];
+        Sample* out = outputs[c];
+        if (in && out && in != out) std::memmove(out, in, sizeof(Sample) * static_cast<size_t>(frames));
+    }
+}
+
+void Plugin::processReplacing(float** inputs, float** outputs, VstInt32 frames) {
+    passThrough(inputs, outputs, frames);
+}
+
+void Plugin::processDoubleReplacing(double** inputs, double** outputs, VstInt32 frames) {
+    passThrough(inputs, outputs, frames);
+}
+
+bool Plugin::canParameterBeAutomated(VstInt32 index) {
+    return index == kPower || (index >= kOutput && index < kPlotRange);
+}
+
+bool Plugin::getParameterProperties(VstInt32 index, VstParameterProperties* p) {
+    auto integerSteps = [p](int maxInteger) {
+        p->flags = kVstParameterUsesIntStep;
+        p->minInteger = 0;
+        p->maxInteger = maxInteger;
+        p->stepInteger = 1;
+        p->largeStepInteger = 1;
+    };
+    switch (index) {
+        case kPower: case kFat: case kLrMs: case kLinPhase: case kAutoZoom:
+            integerSteps(1);
+            break;
+        case kResolution: case kChannel:
+            integerSteps(2);
+            break;
+        case kSpan: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold: case kSpanWidth:
+        case kSpanFilter:
+            integerSteps(15);
+            break;
+        case kOutput:
+            p->flags = kVstParameterUsesFloatStep;
+            p->stepFloat = 1.0f / 24.0f;
+            p->smallStepFloat = 1.0f / 240.0f;
+            break;
+        default:
+            if (index >= kType && index < kFreq) {
+                integerSteps(13);
+            } else {
+                p->flags = kVstParameterUsesFloatStep;
+                p->stepFloat = 0.01f;
+                p->smallStepFloat = 0.0001f;
+            }
+            break;
+    }
+    return true;
+}
+
+bool Plugin::setSpeakerArrangement(VstSpeakerArrangement* in, VstSpeakerArrangement* out) {
+    if (in) inputChannels = in->numChannels;
+    if (out) outputChannels = out->numChannels;
+    if (pluginEditor) pluginEditor->setMonoInput(inputChannels == 1 && outputChannels == 1);
+    return false;
+}
+
+bool Plugin::setProcessPrecision(VstInt32 precision) {
+    return precision == kVstProcessPrecision32 || precision == kVstProcessPrecision64;
+}
+
+bool Plugin::getEffectName(char* name) {
+    std::strcpy(name, "Tyx Vireo");
+    return true;
+}
+
+bool Plugin::getVendorString(char* text) {
+    std::strcpy(text, "tyx-fonica.com");
+    return true;
+}
+
+bool Plugin::getProductString(char* text) {
+    std::strcpy(text, "Linear-phase parametric equalizer");
+    return true;
+}
+
+VstInt32 Plugin::canDo(char* text) { return std::strcmp(text, "receiveVstMidiEvent") == 0 ? 1 : 0; }
+
+// ---------------------------------------------------------------------------------------------
+// Parameters
+
+float Plugin::getParameter(VstInt32 index) {
+    if (index >= 0 && index < kUsedParameters) return values[index];
+    return CPresetSystemEffect::getParameter(index);
+}
+
+void Plugin::setParameter(VstInt32 index, float value) {
+    if (index < 0) return;
+    if (index < kUsedParameters) {
+        values[index] = value;
+        int band, side, field;
+        if (bandParameter(index, band, side, field)) {
+            applyBandParameter(index, value);
+        } else {
+            const int previous = steps[index];
+            if (const int n = stepCount(index)) steps[index] = quantize(value, n);
+            switch (index) {
+                case kFat: reconfigureFrame(); break;
+                case kLrMs: auditionSelector = kChannelLeft; break;
+                case kResolution:
+                    if (steps[kResolution] != previous) reconfigureFrame();
+                    break;
+                case kOutput: gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0); break;
+                case kChannel: applyChannel(); break;
+                case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
+                case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
+                    // Analyzer and zoom settings belong to the user, not to a preset.
+                    writeIntoEveryPreset(index, value);
+                    break;
+                default: break;
+            }
+        }
+    }
+    if (!isLoading) CPresetSystemEffect::setParameter(index, value);
+    if (pluginEditor) pluginEditor->setParameter(index, value);
+}
+
+void Plugin::storeBandValue(int side, int b, BandField field, float value) {
+    BandValues& v = bands[side][b];
+    switch (field) {
+        case kTypeField:
+            v.type = quantize(value, kBandTypeSteps);
+            steps[bandIndex(kTypeField, side, b)] = v.type;
+            break;
+        case kFreqField: v.freq = 20.0 * std::pow(10.0, 3.0 * static_cast<double>(value)); break;
+        case kQField: v.q = value; break;
+        case kGainField: v.gain = (static_cast<double>(value) - 0.5) * 24.0; break;
+    }
+}
+
+// With Channel at LINK (and outside a preset load) the left/mid parameter drives both sides and
+// the right/side parameter only records its value; otherwise each side is its own.
+void Plugin::applyBandParameter(int index, float value) {
+    int b, side, field;
+    bandParameter(index, b, side, field);
+    const bool linked = channel == kChannelLink && !isLoading;
+    if (side == 1 && linked) return;
+    storeBandValue(side, b, static_cast<BandField>(field), value);
+    if (side == 0 && linked) {
+        const int rightIndex = index + 8;
+        values[rightIndex] = value;
+        storeBandValue(1, b, static_cast<BandField>(field), value);
+        CPresetSystemEffect::setParameter(rightIndex, value);
+    }
+}
+
+void Plugin::applyChannel() {
+    channel = steps[kChannel] + 1;
+    auditionSelector = channel;
+    const bool midSide = steps[kLrMs] == 1;
+    switch (channel) {
+        case kChannelLeft:
+            analyzerWeights[0] = midSide ? 2.0 : 1.0;
+            analyzerWeights[1] = 0.0;
+            break;
+        case kChannelRight:
+            analyzerWeights[0] = 0.0;
+            analyzerWeights[1] = midSide ? 2.0 : 1.0;
+            break;
+        case kChannelLink:
+            analyzerWeights[0] = midSide ? 2.0 : 0.5;
+            analyzerWeights[1] = midSide ? 0.0 : 0.5;
+            break;
+        default: break;  // a step without meaning keeps the weights it had
+    }
+}
+
+void Plugin::writeIntoEveryPreset(int index, float value) {
+    if (!presets) return;
+    for (int p = 0; p < presets::kPresetCount; ++p) presets[p].values[index] = value;
+}
+
+void Plugin::setBandFrequency(int band, float value) { setBandFromEditor(band, kFreqField, value); }
+void Plugin::setBandGain(int band, float value) { setBandFromEditor(band, kGainField, value); }
+void Plugin::setBandQ(int band, float value) { setBandFromEditor(band, kQField, value); }
+
+void Plugin::setBandFromEditor(int b, BandField field, float value) {
+    if (b < 0 || b >= kBands) return;
+    const bool mono = inputChannels == 1;
+    const bool left = channel == kChannelLeft || channel == kChannelLink || mono;
+    const bool right = (channel == kChannelRight || channel == kChannelLink) && !mono;
+    const int sideIndex[2] = {bandIndex(field, 0, b), bandIndex(field, 1, b)};
+    const bool write[2] = {left, right};
+    for (int side = 0; side < 2; ++side) {
+        if (!write[side]) continue;
+        values[sideIndex[side]] = value;
+        if (field == kFreqField)
+            bands[side][b].freq = 20.0f * std::pow(10.0f, 3.0f * value);  // as the editor shows it
+        else
+            storeBandValue(side, b, field, value);
+        CPresetSystemEffect::setParameter(sideIndex[side], value);
+    }
+    for (int side = 0; side < 2; ++side)
+        if (write[side]) callHost(audioMasterAutomate, sideIndex[side], 0, nullptr, value);
+}
+
+void Plugin::selectPreset(int index) {
+    CPresetSystemEffect::selectPreset(index);
+    if (pluginEditor) pluginEditor->takePlotRange();
+}
+
+void Plugin::getOutputPeaks(float& a, float& b) const {
+    a = peaks[0];
+    b = peaks[1];
+}
+
+void Plugin::resetOutputPeaks() { peaks[0] = peaks[1] = 0.0f; }

@@ -1,0 +1,120 @@
+#pragma once
+// The effect: where the host boundary, the parameter set, the preset bank and (as they
+// arrive) the engine, the analyzer and the editor meet.
+
+#include <cstdint>
+
+#include "platform/TimedLock.h"
+#include "presets/CPresetSystemEffect.h"
+#include "presets/Parameters.h"
+
+class Editor;
+
+class Plugin : public CPresetSystemEffect {
+public:
+    static constexpr VstInt32 kUniqueId = fourCharCode('T', 'X', 'v', 'r');
+    static constexpr VstInt32 kVersion = 2040;
+    static constexpr VstInt32 kVendorVersion = 0x20004;
+
+    explicit Plugin(audioMasterCallback audioMaster);
+    ~Plugin() override;
+
+    // Host boundary.
+    void suspend() override;
+    void resume() override {}
+    void setSampleRate(float rate) override;
+    void setBlockSize(VstInt32 size) override;
+    void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
+    void processDoubleReplacing(double** inputs, double** outputs, VstInt32 frames) override;
+
+    void setParameter(VstInt32 index, float value) override;
+    float getParameter(VstInt32 index) override;
+    void getParameterLabel(VstInt32 index, char* label) override;
+    void getParameterDisplay(VstInt32 index, char* text) override;
+    void getParameterName(VstInt32 index, char* text) override;
+    bool canParameterBeAutomated(VstInt32 index) override;
+    bool getParameterProperties(VstInt32 index, VstParameterProperties* p) override;
+    bool setSpeakerArrangement(VstSpeakerArrangement* in, VstSpeakerArrangement* out) override;
+    bool setProcessPrecision(VstInt32 precision) override;
+    bool getEffectName(char* name) override;
+    bool getVendorString(char* text) override;
+    bool getProductString(char* text) override;
+    VstInt32 getVendorVersion() override { return kVendorVersion; }
+    VstInt32 canDo(char* text) override;
+    VstPlugCategory getPlugCategory() override { return kPlugCategMastering; }
+
+    // Preset layer.
+    void selectPreset(int index) override;
+    bool isExcludedFromSave(int index) override { return index > params::kListen; }
+    bool isExcludedFromLoad(int index) override { return index > params::kChannel; }
+
+    // Editor-facing band setters (band 0..7, value normalized): they write the side or sides
+    // that Channel selects and tell the host, without calling the editor back.
+    void setBandFrequency(int band, float value);
+    void setBandGain(int band, float value);
+    void setBandQ(int band, float value);
+
+    void getOutputPeaks(float& a, float& b) const;
+    void resetOutputPeaks();
+
+    // Derived state, read by the engine, the texts and the tests.
+    struct BandValues {
+        int type = 7;        // step of the type parameter, 0..13
+        double freq = 20000; // Hz
+        double q = 0.5;      // the normalized Q parameter; its meaning depends on the shape
+        double gain = 0.0;   // dB of one design pass (the band's effect is twice this)
+    };
+    const BandValues& band(int side, int b) const { return bands[side][b]; }
+    int step(int index) const { return steps[index]; }
+    int channelMode() const { return channel; }
+    unsigned soloMask() const { return static_cast<unsigned>(steps[params::kSolo]); }
+    double outputGainTarget() const { return gainTarget; }
+    void analyzerInputWeights(double& a, double& b) const {
+        a = analyzerWeights[0];
+        b = analyzerWeights[1];
+    }
+    int auditionChannel() const { return auditionSelector; }
+    int fftLength() const { return frameSize; }
+    int partitionLength() const { return partition; }
+    int integerSampleRate() const { return intRate; }
+    int inputChannelCount() const { return inputChannels; }
+    Editor* getPluginEditor() const { return pluginEditor; }
+
+private:
+    enum BandField { kTypeField, kFreqField, kQField, kGainField };
+
+    void applyBandParameter(int index, float value);
+    void storeBandValue(int side, int b, BandField field, float value);
+    void setBandFromEditor(int band, BandField field, float value);
+    void applyChannel();
+    void writeIntoEveryPreset(int index, float value);
+    void reconfigureFrame();
+    int partitionForBlock(bool inclusiveThresholds) const;
+    bool previewText(int index, float v, char* text);
+    void currentText(int index, char* text);
+
+    platform::TimedLock engineLock;
+    platform::TimedLock designLock;
+    platform::TimedLock processLock;
+
+    float values[params::kUsedParameters] = {};
+    int steps[params::kUsedParameters] = {};
+    BandValues bands[2][params::kBands];
+    int channel = params::kChannelLink;
+    double gainTarget = 1.0;
+    double gainSmoothing = 0.0;
+    double currentGain = 1.0;
+    double analyzerWeights[2] = {0.5, 0.5};
+    int auditionSelector = params::kChannelLink;
+    int auditionBand = -1;
+
+    int intRate = 44100;
+    double rate = 44100.0;
+    int frameSize = 4096;
+    int partition = 8192;
+    int inputChannels = 2;
+    int outputChannels = 2;
+    float peaks[2] = {0.0f, 0.0f};
+
+    Editor* pluginEditor = nullptr;
+};

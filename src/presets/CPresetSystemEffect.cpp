@@ -1,0 +1,109 @@
+#include "presets/CPresetSystemEffect.h"
+
+#include <cstring>
+#include <new>
+
+#include "presets/CPresetSystemEditor.h"
+#include "presets/FactoryPresets.h"
+
+using presets::kNameField;
+using presets::kPresetCount;
+using presets::kPresetSlots;
+using presets::PresetRecord;
+
+CPresetSystemEffect::CPresetSystemEffect(audioMasterCallback audioMaster)
+    : AudioEffectX(audioMaster, 1, kPresetSlots) {
+    programsAreChunks(true);
+    bankHeaderBuffer.reset(new (std::nothrow) uint8_t[kBankHeaderBytes]());
+    chunkBuffer.reset(new (std::nothrow) uint8_t[kChunkBufferBytes]());
+    chunkBufferSize = chunkBuffer ? kChunkBufferBytes : 0;
+    currentPreset = 0;
+    presets.reset(new (std::nothrow) PresetRecord[kPresetCount]());
+    loadFactoryPresets();
+    if (presets) {
+        presetTemplate = presets[0];
+        isLoading = 1;
+        for (int slot = 0; slot < kPresetSlots; ++slot)
+            CPresetSystemEffect::setParameter(slot, presets[0].values[slot]);
+        isLoading = 0;
+    }
+}
+
+CPresetSystemEffect::~CPresetSystemEffect() = default;
+
+CPresetSystemEditor* CPresetSystemEffect::presetEditor() { return dynamic_cast<CPresetSystemEditor*>(editor); }
+
+const PresetRecord* CPresetSystemEffect::getPreset(int index) const {
+    if (!presets || index < 0 || index >= kPresetCount) return nullptr;
+    return &presets[index];
+}
+
+void CPresetSystemEffect::setParameter(VstInt32 index, float value) {
+    if (!presets || index < 0 || index >= kPresetSlots) return;
+    presets[currentPreset].values[index] = value;
+}
+
+float CPresetSystemEffect::getParameter(VstInt32 index) {
+    if (!presets || index < 0 || index >= kPresetSlots) return -1.0f;
+    return presets[currentPreset].values[index];
+}
+
+void CPresetSystemEffect::getProgramName(char* text) {
+    if (!presets) {
+        *text = 0;
+        return;
+    }
+    std::memcpy(text, presets[currentPreset].name, kNameField);
+    text[kNameField] = 0;
+}
+
+void CPresetSystemEffect::setProgramName(char* text) {
+    if (!presets) return;
+    char name[kNameField];
+    presets::takeNameField(name, text);
+    presets::storePresetName(presets[currentPreset].name, name);
+    if (CPresetSystemEditor* e = presetEditor()) e->showPresetName(presets[currentPreset].name);
+}
+
+bool CPresetSystemEffect::getProgramNameIndexed(VstInt32 /*category*/, VstInt32 index, char* text) {
+    if (!presets || index < 0 || index >= kPresetCount) return false;
+    std::memcpy(text, presets[index].name, kNameField);
+    text[kNameField] = 0;
+    return true;
+}
+
+void CPresetSystemEffect::selectPreset(int index) {
+    if (!presets) return;
+    if (index < 0 || index >= kPresetCount) index = 0;
+    isLoading = 1;
+    curProgram = 0;
+    currentPreset = index;
+    for (int slot = 0; slot < kPresetSlots; ++slot) setParameter(slot, presets[index].values[slot]);
+    updateDisplay();
+    beginEdit(0);
+    endEdit(0);
+    isLoading = 0;
+}
+
+void CPresetSystemEffect::setPresetName(const char* name) {
+    if (name && presets) {
+        char field[kNameField];
+        presets::takeNameField(field, name);
+        presets::storePresetName(presets[currentPreset].name, field);
+    }
+    updateDisplay();
+}
+
+void CPresetSystemEffect::resetPresetToTemplate(int index) {
+    if (!presets || index < 0 || index >= kPresetCount) return;
+    presets[index] = presetTemplate;
+}
+
+void CPresetSystemEffect::restoreStartupState() {
+    if (presets) presetTemplate = presets[0];
+    if (CPresetSystemEditor* e = presetEditor()) e->restoreStartupDefaults();
+}
+
+void CPresetSystemEffect::loadFactoryPresets() {
+    if (presets) presets::loadFactoryBank(presets.get());
+}

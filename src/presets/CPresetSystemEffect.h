@@ -1,0 +1,58 @@
+#pragma once
+// The preset layer between the VST effect base and the plug-in: a bank of 21 presets that
+// the user steps through inside the plug-in (the host sees a single program), filled from the
+// factory presets, with the values of the preset being edited kept in the bank itself.
+
+#include <cstdint>
+#include <memory>
+
+#include "presets/PresetRecord.h"
+#include "vst/AudioEffectX.h"
+
+class CPresetSystemEditor;
+
+class CPresetSystemEffect : public AudioEffectX {
+public:
+    static constexpr int kBankHeaderBytes = 8432;
+    static constexpr int kChunkBufferBytes = 66745;
+
+    explicit CPresetSystemEffect(audioMasterCallback audioMaster);
+    ~CPresetSystemEffect() override;
+
+    // Host-facing operations.
+    void setParameter(VstInt32 index, float value) override;
+    float getParameter(VstInt32 index) override;
+    VstInt32 getProgram() override { return 0; }
+    void setProgram(VstInt32 /*program*/) override {}
+    void getProgramName(char* text) override;
+    void setProgramName(char* text) override;
+    bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
+    VstInt32 processEvents(VstEvents* /*events*/) override { return 0; }
+
+    // Preset-system operations.
+    virtual int getCurrentPreset() { return currentPreset; }
+    virtual void selectPreset(int index);
+    virtual void setPresetName(const char* name);
+    virtual VstInt32 getUniqueID() { return cEffect.uniqueID; }
+    virtual void resetPresetToTemplate(int index);
+    virtual bool isExcludedFromSave(int /*index*/) { return false; }
+    virtual bool isExcludedFromLoad(int /*index*/) { return false; }
+    virtual void restoreStartupState();
+    virtual void loadFactoryPresets();
+
+    bool isLoadingPreset() const { return isLoading != 0; }
+    const presets::PresetRecord* getPreset(int index) const;
+    const presets::PresetRecord& getTemplate() const { return presetTemplate; }
+
+protected:
+    // The editor as the preset layer sees it (null when none exists).
+    CPresetSystemEditor* presetEditor();
+
+    std::unique_ptr<presets::PresetRecord[]> presets;
+    int32_t currentPreset = 0;
+    std::unique_ptr<uint8_t[]> bankHeaderBuffer;
+    std::unique_ptr<uint8_t[]> chunkBuffer;
+    int32_t chunkBufferSize = 0;
+    presets::PresetRecord presetTemplate{};
+    uint8_t isLoading = 0;
+};
