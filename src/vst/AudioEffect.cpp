@@ -178,7 +178,7 @@ void AudioEffect::float2string(float value, char* text, VstInt32 maxLen) {
         int n = std::snprintf(buffer, sizeof buffer, "%.*f", decimals, v);
         // Rounding may carry into a new integer digit (9.9999999 -> 10.000000): keep eight.
         if (n > kWidth && decimals > 0) n = std::snprintf(buffer, sizeof buffer, "%.*f", decimals - 1, v);
-        if (decimals == 0) std::snprintf(buffer + n, sizeof buffer - n, ".");
+        if (decimals == 0 && n < kWidth) std::snprintf(buffer + n, sizeof buffer - n, ".");
         if (std::strcmp(buffer, "-0.000000") == 0) std::snprintf(buffer, sizeof buffer, "0.000000");
     }
     if (maxLen <= 0) return;
