@@ -1,0 +1,105 @@
+#include "analyzer/SPAN.h"
+
+#include <cmath>
+
+#include "analyzer/DecimationLowPass.h"
+#include "platform/CpuFeatures.h"
+
+namespace {
+
+constexpr int kPeakMode = 0;
+constexpr int kAverageMode = 1;
+
+// The average detector measures mean square; a sine's mean square is half its peak
+// squared, so this offset makes a sine read its peak level in both modes.
+constexpr float kSineMeanSquareOffsetDb = 3.0102999f;
+
+// Rates below this are never processed.
+constexpr float kLowestActiveRate = 1000.0f;
+
+}  // namespace
+
+SPAN::SPAN(Routine routine) {
+    useVector_ = routine == Routine::vector ||
+                 (routine == Routine::fromCpu && platform::cpuFeatures().usable(platform::kCpuSse2));
+    setSampleRate(44100.0f);
+    reset();
+}
+
+void SPAN::processSample(float x) {
+    if (sampleRate_.load(std::memory_order_relaxed) < kLowestActiveRate) return;
+    const bool peak = mode_.load(std::memory_order_relaxed) == kPeakMode;
+    if (useVector_) {
+        analyzer::processVector(bank_, x, peak);
+    } else {
+        analyzer::processScalar(bank_, x, peak);
+    }
+}
+
+void SPAN::getBars(float* out) {
+    if (out == nullptr) return;
+
+    float bars[kBands];
+    while (!lock_.lock()) {
+        // The read-out waits as long as it takes; only another read-out can hold the lock.
+    }
+    for (int i = 0; i < kBands; ++i) bars[i] = 10.0f * std::log10(bank_.level(i));
+    lock_.unlock();
+
+    const int mode = mode_.load(std::memory_order_relaxed);
+    const float* offsets = analyzer::weightingOffsets(weighting_.load(std::memory_order_relaxed));
+    for (int i = 0; i < kBands; ++i) {
+        float l = bars[i];
+        if (mode == kPeakMode) {
+            l = 2.0f * l;  // the level is an amplitude
+        } else if (mode == kAverageMode) {
+            l = l + kSineMeanSquareOffsetDb;
+        }
+        out[i] = l + offsets[kBands - 1 - i];  // offsets run from the lowest band up
+    }
+}
+
+void SPAN::reset() { bank_.clear(); }
+
+void SPAN::setSampleRate(float fs) {
+    float coefficients[analyzer::kDetectorGroups];
+    analyzer::detectorCoefficients(fs, speed_, coefficients);
+    bank_.setDetectorCoefficients(coefficients);
+
+    // An unsupported rate keeps the previous tables; nothing runs until a supported rate
+    // is set again.
+    const analyzer::RateBandTables* tables = analyzer::bandTablesFor(fs, order_);
+    if (tables != nullptr) {
+        bank_.loadCoefficients(*tables, analyzer::decimationLowPass(order_), analyzer::sectionsForOrder(order_));
+    }
+    sampleRate_.store(tables != nullptr ? fs : 0.0f, std::memory_order_relaxed);
+    reset();
+}
+
+void SPAN::setSpeed(int index) {
+    speed_ = index;
+    setSampleRate(sampleRate());
+}
+
+void SPAN::setMode(int index) {
+    if (index == mode_.load(std::memory_order_relaxed)) return;
+    mode_.store(index, std::memory_order_relaxed);
+    if (index != kAverageMode) return;
+
+    // Peak amplitudes become the mean square of a sine of that amplitude, so that a steady
+    // tone keeps its reading across the switch.
+    for (int i = 0; i < kBands; ++i) {
+        const float peak = bank_.level(i);
+        const float meanSquare = 0.5f * peak * peak;
+        bank_.setLevel(i, meanSquare > analyzer::kLevelFloor ? meanSquare : analyzer::kLevelFloor);
+    }
+}
+
+void SPAN::setWeighting(int index) {
+    weighting_.store(analyzer::weightingFromIndex(index), std::memory_order_relaxed);
+}
+
+void SPAN::setFilterOrder(int value) {
+    order_ = value == 2 ? 2 : 6;
+    setSampleRate(sampleRate());
+}
