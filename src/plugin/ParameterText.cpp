@@ -91,7 +91,7 @@ bool Plugin::previewText(int index, float v, char* text) {
         switch (field) {
             case 0: bandTypeText(text, quantize(v, kBandTypeSteps)); break;
             case 1: std::snprintf(text, kTextLimit, "%.0f", 20.0f * std::pow(10.0f, 3.0f * v)); break;
-            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(bands[side][b].type, v)); break;
+            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(bandModel.band(side, b).bandType, v)); break;
             case 3: std::snprintf(text, kTextLimit, "%.1f", (static_cast<double>(v) - 0.5) * 48.0); break;
         }
         return true;
@@ -118,11 +118,11 @@ bool Plugin::previewText(int index, float v, char* text) {
 void Plugin::currentText(int index, char* text) {
     int b, side, field;
     if (bandParameter(index, b, side, field)) {
-        const BandValues& band = bands[side][b];
+        const dsp::BandSettings& band = bandModel.band(side, b);
         switch (field) {
             case 0: bandTypeText(text, steps[index]); break;
-            case 1: std::snprintf(text, kTextLimit, "%.0f", band.freq); break;
-            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(band.type, band.q)); break;
+            case 1: std::snprintf(text, kTextLimit, "%.0f", band.frequency); break;
+            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(band.bandType, band.q)); break;
             case 3: std::snprintf(text, kTextLimit, "%.0f", (static_cast<double>(values[index]) - 0.5) * 48.0); break;
         }
         return;

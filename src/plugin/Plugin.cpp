@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "dsp/DesignRate.h"
 #include "gui/Editor.h"
 #include "plugin/ParameterTable.h"
 
@@ -43,10 +44,9 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
         if (const int n = stepCount(i)) steps[i] = quantize(values[i], n);
     }
     for (int side = 0; side < 2; ++side)
-        for (int b = 0; b < kBands; ++b) {
-            steps[bandIndex(0, side, b)] = kFirstBypassType;
-            bands[side][b] = BandValues{};
-        }
+        for (int b = 0; b < kBands; ++b) steps[bandIndex(0, side, b)] = kFirstBypassType;
+    designRateHz = dsp::designRate(intRate, false, true);
+    redesignAllBands();
     channel = steps[kChannel] + 1;
     gainTarget = std::pow(10.0, (values[kOutput] - 0.5) * 24.0 / 20.0);
     currentGain = gainTarget;
@@ -71,17 +71,22 @@ void Plugin::suspend() {
 }
 
 void Plugin::setSampleRate(float hostRate) {
-    platform::TimedLock::Guard guard(engineLock);
-    if (!guard) return;
-    sampleRate = hostRate;
-    // Guarded so that NaN or values beyond int never reach the conversion.
-    int newRate = (hostRate >= kMinRate && hostRate < kMaxRate + 1) ? static_cast<int>(hostRate) : kFallbackRate;
-    if (newRate < kMinRate || newRate > kMaxRate) newRate = kFallbackRate;
-    if (newRate != intRate) {
-        intRate = newRate;
-        rate = newRate;
-        gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+    bool changed = false;
+    {
+        platform::TimedLock::Guard guard(engineLock);
+        if (!guard) return;
+        sampleRate = hostRate;
+        // Guarded so that NaN or values beyond int never reach the conversion.
+        const int newRate =
+            (hostRate >= kMinRate && hostRate < kMaxRate + 1) ? static_cast<int>(hostRate) : kFallbackRate;
+        changed = newRate != intRate;
+        if (changed) {
+            intRate = newRate;
+            rate = newRate;
+            gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+        }
     }
+    if (changed) redesignAllBands();
 }
 
 void Plugin::setBlockSize(VstInt32 size) {
@@ -114,6 +119,31 @@ void Plugin::reconfigureFrame() {
     frameSize = kMinFrameSize << (resolution + fat);
     partition = partitionForBlock(false);
     suspend();
+}
+
+// A band's sections follow its natural values at once; its curves (and the kernels built from
+// all bands) follow too, except while a preset is being loaded: the load ends with one refresh.
+void Plugin::updateBand(int b) {
+    platform::TimedLock::Guard design(designLock);
+    if (!design) return;
+    bandModel.designBand(b, designRateHz);
+    if (!isLoading) refreshCurves();
+}
+
+// FAT, LinPhase, Resolution, Solo and the sample rate change every band. Called without the
+// engine lock held, so that locks are only ever taken in the order design, process, engine.
+void Plugin::redesignAllBands() {
+    platform::TimedLock::Guard design(designLock);
+    if (!design) return;
+    designRateHz = dsp::designRate(intRate, steps[kFat] == 1, steps[kLinPhase] == 1);
+    bandModel.designAllBands(designRateHz);
+    if (!isLoading) refreshCurves();
+}
+
+// The caller holds the design lock, which serializes everything that writes the curves.
+void Plugin::refreshCurves() {
+    bandModel.computeBandCurves();
+    bandModel.computeTotalCurves();
 }
 
 // Until the equalizer engine is in place the plug-in passes its input through unchanged.
@@ -218,15 +248,26 @@ void Plugin::setParameter(VstInt32 index, float value) {
         values[index] = value;
         int band, side, field;
         if (bandParameter(index, band, side, field)) {
-            applyBandParameter(index, value);
+            if (applyBandParameter(index, value)) updateBand(band);
         } else {
             const int previous = steps[index];
             if (const int n = stepCount(index)) steps[index] = quantize(value, n);
             switch (index) {
-                case kFat: reconfigureFrame(); break;
+                case kFat:
+                    reconfigureFrame();
+                    redesignAllBands();
+                    break;
+                case kLinPhase: redesignAllBands(); break;
+                case kSolo:
+                    bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
+                    redesignAllBands();
+                    break;
                 case kLrMs: auditionSelector = kChannelLeft; break;
                 case kResolution:
-                    if (steps[kResolution] != previous) reconfigureFrame();
+                    if (steps[kResolution] != previous) {
+                        reconfigureFrame();
+                        redesignAllBands();
+                    }
                     break;
                 case kOutput: gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0); break;
                 case kChannel: applyChannel(); break;
@@ -244,25 +285,26 @@ void Plugin::setParameter(VstInt32 index, float value) {
 }
 
 void Plugin::storeBandValue(int side, int b, BandField field, float value) {
-    BandValues& v = bands[side][b];
     switch (field) {
-        case kTypeField:
-            v.type = quantize(value, kBandTypeSteps);
-            steps[bandIndex(kTypeField, side, b)] = v.type;
+        case kTypeField: {
+            const int k = quantize(value, kBandTypeSteps);
+            steps[bandIndex(kTypeField, side, b)] = k;
+            bandModel.setBandType(side, b, k);
             break;
-        case kFreqField: v.freq = 20.0 * std::pow(10.0, 3.0 * static_cast<double>(value)); break;
-        case kQField: v.q = value; break;
-        case kGainField: v.gain = (static_cast<double>(value) - 0.5) * 24.0; break;
+        }
+        case kFreqField: bandModel.setFrequency(side, b, 20.0 * std::pow(10.0, 3.0 * static_cast<double>(value))); break;
+        case kQField: bandModel.setQ(side, b, value); break;
+        case kGainField: bandModel.setGain(side, b, (static_cast<double>(value) - 0.5) * 24.0); break;
     }
 }
 
 // With Channel at LINK (and outside a preset load) the left/mid parameter drives both sides and
 // the right/side parameter only records its value; otherwise each side is its own.
-void Plugin::applyBandParameter(int index, float value) {
+bool Plugin::applyBandParameter(int index, float value) {
     int b, side, field;
     bandParameter(index, b, side, field);
     const bool linked = channel == kChannelLink && !isLoading;
-    if (side == 1 && linked) return;
+    if (side == 1 && linked) return false;
     storeBandValue(side, b, static_cast<BandField>(field), value);
     if (side == 0 && linked) {
         const int rightIndex = index + 8;
@@ -270,6 +312,7 @@ void Plugin::applyBandParameter(int index, float value) {
         storeBandValue(1, b, static_cast<BandField>(field), value);
         CPresetSystemEffect::setParameter(rightIndex, value);
     }
+    return true;
 }
 
 void Plugin::applyChannel() {
@@ -313,17 +356,24 @@ void Plugin::setBandFromEditor(int b, BandField field, float value) {
         if (!write[side]) continue;
         values[sideIndex[side]] = value;
         if (field == kFreqField)
-            bands[side][b].freq = 20.0f * std::pow(10.0f, 3.0f * value);  // as the editor shows it
+            bandModel.setFrequency(side, b, 20.0f * std::pow(10.0f, 3.0f * value));  // as the editor shows it
         else
             storeBandValue(side, b, field, value);
         CPresetSystemEffect::setParameter(sideIndex[side], value);
     }
+    updateBand(b);
     for (int side = 0; side < 2; ++side)
         if (write[side]) callHost(audioMasterAutomate, sideIndex[side], 0, nullptr, value);
 }
 
 void Plugin::selectPreset(int index) {
     CPresetSystemEffect::selectPreset(index);
+    // The load designed every band's sections but left curves and kernels for now: once.
+    {
+        platform::TimedLock::Guard design(designLock);
+        if (design) refreshCurves();
+    }
+    if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
     if (pluginEditor) pluginEditor->takePlotRange();
 }
 

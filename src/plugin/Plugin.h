@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "dsp/BandModel.h"
 #include "platform/TimedLock.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/Parameters.h"
@@ -57,14 +58,14 @@ public:
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
 
+    // Response curves in dB on the plot grid, filled by the band design.
+    const dsp::Curve& getTotalCurves(int side) const { return bandModel.totalCurve(side); }
+    const dsp::Curve& getBandCurves(int side, int b) const { return bandModel.bandCurve(side, b); }
+
     // Derived state, read by the engine, the texts and the tests.
-    struct BandValues {
-        int type = 7;        // step of the type parameter, 0..13
-        double freq = 20000; // Hz
-        double q = 0.5;      // the normalized Q parameter; its meaning depends on the shape
-        double gain = 0.0;   // dB of one design pass (the band's effect is twice this)
-    };
-    const BandValues& band(int side, int b) const { return bands[side][b]; }
+    const dsp::BandSettings& band(int side, int b) const { return bandModel.band(side, b); }
+    const dsp::BandModel& bands() const { return bandModel; }
+    double designRate() const { return designRateHz; }
     int step(int index) const { return steps[index]; }
     int channelMode() const { return channel; }
     unsigned soloMask() const { return static_cast<unsigned>(steps[params::kSolo]); }
@@ -83,12 +84,15 @@ public:
 private:
     enum BandField { kTypeField, kFreqField, kQField, kGainField };
 
-    void applyBandParameter(int index, float value);
+    bool applyBandParameter(int index, float value);  // false when nothing is to be redesigned
     void storeBandValue(int side, int b, BandField field, float value);
     void setBandFromEditor(int band, BandField field, float value);
     void applyChannel();
     void writeIntoEveryPreset(int index, float value);
     void reconfigureFrame();
+    void updateBand(int b);
+    void redesignAllBands();
+    void refreshCurves();
     int partitionForBlock(bool inclusiveThresholds) const;
     bool previewText(int index, float v, char* text);
     void currentText(int index, char* text);
@@ -99,7 +103,8 @@ private:
 
     float values[params::kUsedParameters] = {};
     int steps[params::kUsedParameters] = {};
-    BandValues bands[2][params::kBands];
+    dsp::BandModel bandModel;
+    double designRateHz = 44100.0;
     int channel = params::kChannelLink;
     double gainTarget = 1.0;
     double gainSmoothing = 0.0;

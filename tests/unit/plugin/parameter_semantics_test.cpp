@@ -37,17 +37,17 @@ protected:
 
 TEST_F(ParameterSemantics, NaturalValuesOfABand) {
     p.setParameter(22, 0.0f);
-    EXPECT_NEAR(p.band(0, 0).freq, 20.0, 1e-9);
+    EXPECT_NEAR(p.band(0, 0).frequency, 20.0, 1e-9);
     p.setParameter(22, 1.0f / 3);
-    EXPECT_NEAR(p.band(0, 0).freq, 200.0, 1e-4);
+    EXPECT_NEAR(p.band(0, 0).frequency, 200.0, 1e-4);
     p.setParameter(22, 0.5f);
-    EXPECT_NEAR(p.band(1, 0).freq, 632.456, 1e-3);  // linked
+    EXPECT_NEAR(p.band(1, 0).frequency, 632.456, 1e-3);  // linked
     p.setParameter(54, 0.75f);
     EXPECT_DOUBLE_EQ(p.band(0, 0).gain, 6.0);
     p.setParameter(6, 0.25f);
-    EXPECT_EQ(p.band(0, 0).type, 3);
+    EXPECT_EQ(p.band(0, 0).bandType, 3);
     p.setParameter(6, 0.75f);
-    EXPECT_EQ(p.band(0, 0).type, 10);
+    EXPECT_EQ(p.band(0, 0).bandType, 10);
     p.setParameter(5, 1.0f);
     EXPECT_NEAR(p.outputGainTarget(), std::pow(10.0, 12.0 / 20.0), 1e-12);
 }
@@ -111,7 +111,7 @@ TEST_F(ParameterSemantics, EditorBandSettersFollowChannel) {
     p.setBandFrequency(2, 0.5f);
     EXPECT_EQ(p.getParameter(32), 0.5f);
     EXPECT_EQ(p.getParameter(24), 0.365637f);
-    EXPECT_EQ(p.band(1, 2).freq, static_cast<double>(20.0f * std::pow(10.0f, 1.5f)));
+    EXPECT_EQ(p.band(1, 2).frequency, static_cast<double>(20.0f * std::pow(10.0f, 1.5f)));
     auto automations = h.host.of(audioMasterAutomate);
     ASSERT_EQ(automations.size(), 1u);
     EXPECT_EQ(automations[0].index, 32);
@@ -156,10 +156,10 @@ TEST_F(ParameterSemantics, PresetLoadSetsEachSideOnItsOwn) {
     p.setParameter(71, 0.0f);  // LEFT
     p.setParameter(22, 0.1f);
     p.setParameter(71, 1.0f);  // back to LINK, stored in the preset too
-    const double right = p.band(1, 0).freq;
+    const double right = p.band(1, 0).frequency;
     p.selectPreset(0);
-    EXPECT_NEAR(p.band(0, 0).freq, 20.0 * std::pow(10.0, 0.3), 1e-4);
-    EXPECT_EQ(p.band(1, 0).freq, right);
+    EXPECT_NEAR(p.band(0, 0).frequency, 20.0 * std::pow(10.0, 0.3), 1e-4);
+    EXPECT_EQ(p.band(1, 0).frequency, right);
     EXPECT_EQ(p.getParameter(30), 0.132647f);
 }
 

@@ -93,8 +93,8 @@ TEST_F(PresetBank, FactoryPresets) {
 TEST_F(PresetBank, SelectingAPresetAppliesItsValues) {
     p.selectPreset(7);
     EXPECT_EQ(p.step(6), 1);                       // low cut 24 dB/oct
-    EXPECT_EQ(p.band(1, 2).type, 3);               // peaking on the right too
-    EXPECT_NEAR(p.band(0, 3).freq, 20.0 * std::pow(10.0, 3 * 0.227373), 1e-3);
+    EXPECT_EQ(p.band(1, 2).bandType, 3);               // peaking on the right too
+    EXPECT_NEAR(p.band(0, 3).frequency, 20.0 * std::pow(10.0, 3 * 0.227373), 1e-3);
     EXPECT_EQ(p.getParameter(0), 0.75f);
     EXPECT_EQ(p.getParameter(86), 0.0f);
     EXPECT_EQ(p.getParameter(94), -1.0f);
