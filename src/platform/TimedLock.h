@@ -3,7 +3,9 @@
 // caller must then leave the state that the lock guards untouched (skip the work, and
 // redo it at the next chance where that matters).
 
+#include <condition_variable>
 #include <mutex>
+#include <thread>
 
 namespace platform {
 
@@ -35,7 +37,13 @@ public:
     };
 
 private:
-    std::recursive_timed_mutex mutex_;
+    // Built from a plain mutex and a condition variable rather than a timed mutex: the timed
+    // mutex's wait is a call that ThreadSanitizer cannot follow, and the threaded tests must
+    // see every hand-over that this lock makes.
+    std::mutex mutex_;
+    std::condition_variable released_;
+    std::thread::id owner_;
+    int depth_ = 0;
 };
 
 }  // namespace platform

@@ -22,3 +22,21 @@ TEST(TimedLock, RecursiveOnOneThreadBoundedForOthers) {
     again.join();
     EXPECT_EQ(result, 1);
 }
+
+TEST(TimedLock, GuardsSharedStateAcrossThreads) {
+    platform::TimedLock lock;
+    long counter = 0;  // plain data: only the lock orders the threads' accesses
+    auto work = [&] {
+        for (int i = 0; i < 2000; ++i) {
+            platform::TimedLock::Guard outer(lock);
+            ASSERT_TRUE(outer.owns());
+            platform::TimedLock::Guard inner(lock);  // recursion on the same thread
+            ++counter;
+        }
+    };
+    std::thread a(work), b(work), c(work);
+    a.join();
+    b.join();
+    c.join();
+    EXPECT_EQ(counter, 6000);
+}
