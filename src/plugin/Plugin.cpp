@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "dsp/DesignRate.h"
 #include "gui/Editor.h"
@@ -39,6 +40,12 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     auditionSelector = kChannelLink;
     auditionBand = -1;
 
+    analyzer.reset(new (std::nothrow) SPAN());
+    if (analyzer) {
+        analyzer->setSampleRate(static_cast<float>(intRate));
+        analyzer->reset();
+    }
+
     for (int i = 0; i < kUsedParameters; ++i) {
         values[i] = startValue(i);
         if (const int n = stepCount(i)) steps[i] = quantize(values[i], n);
@@ -68,6 +75,7 @@ void Plugin::suspend() {
     if (!guard) return;
     resetOutputPeaks();
     currentGain = gainTarget;
+    if (analyzer) analyzer->reset();
 }
 
 void Plugin::setSampleRate(float hostRate) {
@@ -85,6 +93,8 @@ void Plugin::setSampleRate(float hostRate) {
             rate = newRate;
             gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
         }
+        // The analyzer gets the host's own rate: at a rate it has no tables for it goes quiet.
+        if (analyzer) analyzer->setSampleRate(hostRate);
     }
     if (changed) redesignAllBands();
 }
@@ -275,6 +285,7 @@ void Plugin::setParameter(VstInt32 index, float value) {
                 case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
                     // Analyzer and zoom settings belong to the user, not to a preset.
                     writeIntoEveryPreset(index, value);
+                    applyAnalyzerSetting(index);
                     break;
                 default: break;
             }
@@ -375,6 +386,29 @@ void Plugin::selectPreset(int index) {
     }
     if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
     if (pluginEditor) pluginEditor->takePlotRange();
+}
+
+void Plugin::applyAnalyzerSetting(int index) {
+    if (!analyzer) return;
+    const int k = steps[index];
+    switch (index) {
+        case kSpan:
+            if (k == 1) analyzer->reset();
+            break;
+        case kSpanSpeed: analyzer->setSpeed(k); break;
+        case kSpanMode: analyzer->setMode(k); break;
+        case kSpanResp: analyzer->setWeighting(k); break;
+        case kSpanFilter: analyzer->setFilterOrder(k == 0 ? 2 : 6); break;
+        default: break;  // hold, width, type, colour and drive are the plot's business
+    }
+}
+
+void Plugin::getAnalyzerBars(float* out) {
+    if (analyzer) analyzer->getBars(out);
+}
+
+bool Plugin::analyzerFeedActive() const {
+    return analyzer && steps[kSpan] == 1 && pluginEditor && pluginEditor->isOpen() && auditionBand < 0;
 }
 
 void Plugin::getOutputPeaks(float& a, float& b) const {

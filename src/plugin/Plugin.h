@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+#include <memory>
+
+#include "analyzer/SPAN.h"
 #include "dsp/BandModel.h"
 #include "platform/TimedLock.h"
 #include "presets/CPresetSystemEffect.h"
@@ -55,6 +58,13 @@ public:
     void setBandGain(int band, float value);
     void setBandQ(int band, float value);
 
+    // The analyzer's 31 band levels in dB, highest band first; nothing without an analyzer.
+    void getAnalyzerBars(float* out);
+    // Whether the audio path feeds the analyzer: it exists and is on, an editor window is open
+    // to show it, and no band is being auditioned.
+    bool analyzerFeedActive() const;
+    SPAN* getAnalyzer() const { return analyzer.get(); }
+
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
 
@@ -89,6 +99,7 @@ private:
     void setBandFromEditor(int band, BandField field, float value);
     void applyChannel();
     void writeIntoEveryPreset(int index, float value);
+    void applyAnalyzerSetting(int index);
     void reconfigureFrame();
     void updateBand(int b);
     void redesignAllBands();
@@ -104,6 +115,7 @@ private:
     float values[params::kUsedParameters] = {};
     int steps[params::kUsedParameters] = {};
     dsp::BandModel bandModel;
+    std::unique_ptr<SPAN> analyzer;
     double designRateHz = 44100.0;
     int channel = params::kChannelLink;
     double gainTarget = 1.0;

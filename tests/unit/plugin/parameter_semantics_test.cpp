@@ -208,3 +208,30 @@ TEST_F(ParameterSemantics, SampleRateAndPartitionLength) {
     p.setBlockSize(-5);
     EXPECT_EQ(p.partitionLength(), 2);
 }
+
+TEST_F(ParameterSemantics, AnalyzerFollowsItsParameters) {
+    SPAN* span = p.getAnalyzer();
+    ASSERT_NE(span, nullptr);
+    // Start-up applied "Flat": speed fast, average mode, order 6.
+    EXPECT_EQ(span->speed(), 0);
+    EXPECT_EQ(span->mode(), 1);
+    EXPECT_EQ(span->filterOrder(), 6);
+    p.setParameter(75, 2.5f / 16);
+    EXPECT_EQ(span->speed(), 2);
+    p.setParameter(76, 0.5f / 16);
+    EXPECT_EQ(span->mode(), 0);
+    p.setParameter(83, 0.5f / 16);
+    EXPECT_EQ(span->filterOrder(), 2);
+    p.setParameter(83, 3.5f / 16);  // every step but 0 is order 6
+    EXPECT_EQ(span->filterOrder(), 6);
+    p.setSampleRate(48000.0f);
+    EXPECT_EQ(span->sampleRate(), 48000.0f);
+    p.setSampleRate(32000.0f);  // no tables for this rate: the analyzer goes quiet
+    EXPECT_EQ(span->sampleRate(), 0.0f);
+    float bars[31];
+    p.getAnalyzerBars(bars);
+    EXPECT_LT(bars[13], -90.0f);
+    // No editor window is open, so the audio path would feed nothing.
+    p.setParameter(72, 0.75f);
+    EXPECT_FALSE(p.analyzerFeedActive());
+}
