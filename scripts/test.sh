@@ -23,3 +23,7 @@ if compgen -G "tests/threaded/*/*.cpp" >/dev/null; then
   TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" \
     ctest --test-dir build-tsan --output-on-failure -L threaded
 fi
+
+# The preset system's fuzzers (clang, libFuzzer, ASan + UBSan): replay the committed seed
+# corpus, then fuzz each of the two targets for 25 seconds.
+fuzz/run.sh 25

@@ -2,9 +2,13 @@
 
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include "presets/CPresetSystemEditor.h"
 #include "presets/FactoryPresets.h"
+#include "presets/ImageBuilder.h"
+#include "presets/ImageLoader.h"
+#include "presets/RecordImage.h"
 
 using presets::kNameField;
 using presets::kPresetCount;
@@ -106,4 +110,50 @@ void CPresetSystemEffect::restoreStartupState() {
 
 void CPresetSystemEffect::loadFactoryPresets() {
     if (presets) presets::loadFactoryBank(presets.get());
+}
+
+VstInt32 CPresetSystemEffect::getChunk(void** data, bool /*isPreset*/) {
+    using namespace presets::image;
+    if (!data || !chunkBuffer || !presets) return 0;
+    std::vector<uint8_t> image;
+    CPresetSystemEditor* e = presetEditor();
+    const size_t size = e ? e->buildBankBlob(image) : presets::ImageBuilder(*this).buildBank(image);
+    const size_t capacity = static_cast<size_t>(chunkBufferSize);
+    if (size == 0 || size != image.size() || size > capacity - kChunkPrefixBytes) return 0;
+
+    uint8_t* chunk = chunkBuffer.get();
+    std::memset(chunk, 0, capacity);
+    writeWord(chunk + kChunkVersionOffset, kFormatVersion);
+    writeWord(chunk + kChunkMagicOffset, static_cast<uint32_t>(getUniqueID()));
+    std::memcpy(chunk + kChunkPrefixBytes, image.data(), size);
+    *data = chunk;
+    return static_cast<VstInt32>(kChunkPrefixBytes + size);
+}
+
+VstInt32 CPresetSystemEffect::setChunk(void* data, VstInt32 byteSize, bool /*isPreset*/) {
+    using namespace presets::image;
+    if (!presets || !bankHeaderBuffer || !chunkBuffer || !data) return -1;
+    if (byteSize < static_cast<VstInt32>(kChunkPrefixBytes)) return -1;
+    const auto* chunk = static_cast<const uint8_t*>(data);
+    const size_t size = static_cast<size_t>(byteSize);
+
+    const ByteOrder order = detectByteOrder(chunk + kChunkMagicOffset, getUniqueID());
+    if (order == ByteOrder::kForeign) return -1;
+    const bool swapped = order == ByteOrder::kReversed;
+    const uint32_t version = readWord(chunk + kChunkVersionOffset, swapped);
+    CPresetSystemEditor* e = presetEditor();
+
+    if (version == kLegacyChunkVersion)
+        return presets::ImageLoader(*this, e).loadLegacyChunk(chunk, size, swapped) ? 0 : -1;
+    if (version != kFormatVersion) return -1;
+
+    // The image's own magic and type are not examined: the chunk's prefix vouched for it.
+    if (size < kChunkPrefixBytes + kHeaderBytes) return -1;
+    const uint8_t* image = chunk + kChunkPrefixBytes;
+    const ImageHeader header = readHeader(image, swapped);
+    const uint8_t* records = image + kHeaderBytes;
+    const size_t recordBytes = size - kChunkPrefixBytes - kHeaderBytes;
+    if (e) e->loadBankRecords(records, recordBytes, header, swapped);
+    else presets::ImageLoader(*this, nullptr).loadBankRecords(records, recordBytes, header, swapped);
+    return 0;
 }

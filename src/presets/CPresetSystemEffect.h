@@ -28,6 +28,14 @@ public:
     void setProgramName(char* text) override;
     bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
     VstInt32 processEvents(VstEvents* /*events*/) override { return 0; }
+    // The whole bank as a chunk: 4 bytes format version, 4 bytes magic, then the bank image.
+    // isPreset is ignored: the bank always travels whole. The host reads the bytes until the
+    // next getChunk. 0 when no chunk could be built.
+    VstInt32 getChunk(void** data, bool isPreset = false) override;
+    // Takes a chunk of either byte order, current or legacy. -1 for missing data, a foreign
+    // magic, an unknown version or a chunk too short or damaged to read; 0 otherwise. A bank
+    // image holding a value outside 0..1 leaves the bank as it was.
+    VstInt32 setChunk(void* data, VstInt32 byteSize, bool isPreset = false) override;
 
     // Preset-system operations.
     virtual int getCurrentPreset() { return currentPreset; }
@@ -43,6 +51,9 @@ public:
     bool isLoadingPreset() const { return isLoading != 0; }
     const presets::PresetRecord* getPreset(int index) const;
     const presets::PresetRecord& getTemplate() const { return presetTemplate; }
+    // The bank's kPresetCount records, for the image loaders and builders (null without a bank).
+    presets::PresetRecord* bankRecords() { return presets.get(); }
+    const presets::PresetRecord* bankRecords() const { return presets.get(); }
 
 protected:
     // The editor as the preset layer sees it (null when none exists).

@@ -1,0 +1,157 @@
+// The per-user store: where it lives, how values lie on disk, and that writers never leave a
+// half-written value.
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include "PresetTestEffect.h"
+#include "platform/UserStore.h"
+
+using platform::UserStore;
+
+namespace {
+
+std::vector<uint8_t> fileBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
+}
+
+// Sets or clears an environment variable for the lifetime of the object.
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name)) old_ = old, had_ = true;
+        if (value) setenv(name, value, 1);
+        else unsetenv(name);
+    }
+    ~ScopedEnv() {
+        if (had_) setenv(name_, old_.c_str(), 1);
+        else unsetenv(name_);
+    }
+
+private:
+    const char* name_;
+    std::string old_;
+    bool had_ = false;
+};
+
+}  // namespace
+
+TEST(UserStoreFolder, OverrideThenXdgThenHome) {
+    {
+        ScopedEnv a("TYX_VIREO_CONFIG_DIR", "/tmp/override");
+        ScopedEnv b("XDG_CONFIG_HOME", "/tmp/xdg");
+        EXPECT_EQ(UserStore::currentUserFolder(), "/tmp/override");
+        EXPECT_EQ(UserStore::forCurrentUser().folder(), "/tmp/override");
+    }
+    {
+        ScopedEnv a("TYX_VIREO_CONFIG_DIR", nullptr);
+        ScopedEnv b("XDG_CONFIG_HOME", "/tmp/xdg");
+        EXPECT_EQ(UserStore::currentUserFolder(), "/tmp/xdg/Tyx-fonica/TyxVireo");
+    }
+    {
+        ScopedEnv a("TYX_VIREO_CONFIG_DIR", "");
+        ScopedEnv b("XDG_CONFIG_HOME", nullptr);
+        ScopedEnv c("HOME", "/home/tester");
+        EXPECT_EQ(UserStore::currentUserFolder(), "/home/tester/.config/Tyx-fonica/TyxVireo");
+    }
+    {
+        ScopedEnv a("TYX_VIREO_CONFIG_DIR", nullptr);
+        ScopedEnv b("XDG_CONFIG_HOME", "relative/ignored");
+        ScopedEnv c("HOME", "/home/tester");
+        EXPECT_EQ(UserStore::currentUserFolder(), "/home/tester/.config/Tyx-fonica/TyxVireo");
+    }
+}
+
+TEST(UserStoreValues, HowValuesLieOnDisk) {
+    ScopedStoreFolder scratch;
+    const UserStore store(scratch.scratch() + "/a/b/TyxVireo/");
+    EXPECT_FALSE(std::filesystem::exists(store.folder()));  // reading or constructing creates nothing
+    EXPECT_FALSE(store.readDword("latencycomp"));
+
+    ASSERT_TRUE(store.writeDword("latencycomp", 0x01020304u));
+    EXPECT_EQ(fileBytes(store.folder() + "/latencycomp"), (std::vector<uint8_t>{4, 3, 2, 1}));
+    EXPECT_EQ(store.readDword("latencycomp"), 0x01020304u);
+    struct stat info;
+    ASSERT_EQ(stat(store.folder().c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0700u);
+
+    const std::vector<uint8_t> blob = {0, 1, 2, 0, 255};
+    ASSERT_TRUE(store.writeBinary("DefaultPreset", blob.data(), blob.size()));
+    EXPECT_EQ(fileBytes(store.folder() + "/DefaultPreset"), blob);
+    EXPECT_EQ(store.readBinary("DefaultPreset"), blob);
+    EXPECT_FALSE(store.readBinary("DefaultPreset", 4));  // longer than the reader accepts
+    EXPECT_FALSE(store.readDword("DefaultPreset"));     // not a 4-byte value
+
+    ASSERT_TRUE(store.writeString("CurrDir", "/home/ü/"));
+    EXPECT_EQ(fileBytes(store.folder() + "/CurrDir").size(), 9u);  // UTF-8, no terminator
+    EXPECT_EQ(store.readString("CurrDir"), "/home/ü/");
+    EXPECT_FALSE(store.readString("CurrDir", 8));
+    std::ofstream(store.folder() + "/ManualPath", std::ios::binary).write("/doc/m.pdf\0junk", 15);
+    EXPECT_EQ(store.readString("ManualPath", 10), "/doc/m.pdf");  // a stored terminator is tolerated
+
+    EXPECT_TRUE(store.contains("CurrDir"));
+    EXPECT_TRUE(store.remove("CurrDir"));
+    EXPECT_FALSE(store.contains("CurrDir"));
+    EXPECT_TRUE(store.remove("CurrDir"));  // gone already: fine
+    EXPECT_FALSE(store.readString("CurrDir"));
+
+    ASSERT_TRUE(store.writeBinary("Empty", nullptr, 0));
+    EXPECT_EQ(store.readBinary("Empty"), std::vector<uint8_t>{});
+}
+
+TEST(UserStoreValues, NamesThatAreNotPlainFileNamesAreRefused) {
+    ScopedStoreFolder scratch;
+    const UserStore store(scratch.store());
+    for (const char* bad : {"", ".", "..", "../escape", "a/b", ".hidden"}) {
+        EXPECT_FALSE(store.writeDword(bad, 1)) << bad;
+        EXPECT_FALSE(store.readDword(bad)) << bad;
+        EXPECT_FALSE(store.remove(bad)) << bad;
+    }
+    EXPECT_FALSE(store.writeDword(std::string_view("nul\0name", 8), 1));
+    EXPECT_FALSE(std::filesystem::exists(scratch.scratch() + "/escape"));
+    const UserStore nowhere{std::string()};
+    EXPECT_FALSE(nowhere.writeDword("KeyboardFocus", 1));
+    EXPECT_FALSE(nowhere.readDword("KeyboardFocus"));
+}
+
+TEST(UserStoreValues, WritersAtTheSameTimeNeverLeaveAHalfWrittenValue) {
+    ScopedStoreFolder scratch;
+    // Two instances of the plug-in, each with its own store object on the same folder, writing
+    // bank-sized values over each other while a third reads.
+    const std::vector<uint8_t> first(60689, 0x11), second(60689 * 2, 0x22);
+    std::atomic<bool> stop{false};
+    std::atomic<int> reads{0}, torn{0}, failedWrites{0};
+    auto writer = [&](const std::vector<uint8_t>& value) {
+        const UserStore store(scratch.store());
+        for (int i = 0; i < 150; ++i)
+            if (!store.writeBinary("DefaultBank", value.data(), value.size())) ++failedWrites;
+    };
+    ASSERT_TRUE(UserStore(scratch.store()).writeBinary("DefaultBank", first.data(), first.size()));
+    std::thread reader([&] {
+        const UserStore store(scratch.store());
+        while (!stop) {
+            const auto got = store.readBinary("DefaultBank");
+            ++reads;
+            if (!got || (*got != first && *got != second)) ++torn;
+        }
+    });
+    std::thread a(writer, std::cref(first)), b(writer, std::cref(second)), c(writer, std::cref(first));
+    a.join(), b.join(), c.join();
+    stop = true;
+    reader.join();
+    EXPECT_EQ(failedWrites, 0);
+    EXPECT_EQ(torn, 0) << "of " << reads << " reads";
+    EXPECT_GT(reads, 0);
+    // Only the value itself remains: every temporary file was renamed or removed.
+    std::vector<std::string> names;
+    for (const auto& e : std::filesystem::directory_iterator(scratch.store())) names.push_back(e.path().filename());
+    EXPECT_EQ(names, std::vector<std::string>{"DefaultBank"});
+}
