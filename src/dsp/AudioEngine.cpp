@@ -1,0 +1,99 @@
+#include "dsp/AudioEngine.h"
+
+namespace dsp {
+
+AudioEngine::AudioEngine(int maxFrameSize, int maxCompensation)
+    : frame_(pack(4096, 4096)), convolver_(maxFrameSize), delay_(maxCompensation) {
+    gain_.setRate(hostRate_.load());
+}
+
+AudioPathKind AudioEngine::pathFor(const AudioBlockSettings& s) {
+    if (!s.power) return AudioPathKind::Bypass;
+    const RateRatio ratio = rateRatio(s.hostRate, s.fat, s.linPhase);
+    if (!s.linPhase) return ratio == RateRatio::Double ? AudioPathKind::MinimumDouble : AudioPathKind::MinimumUnity;
+    switch (ratio) {
+        case RateRatio::Double: return AudioPathKind::LinearDouble;
+        case RateRatio::Half: return AudioPathKind::LinearHalf;
+        case RateRatio::Quarter: return AudioPathKind::LinearQuarter;
+        default: return AudioPathKind::LinearUnity;
+    }
+}
+
+double AudioEngine::pathDelay(AudioPathKind kind, int frameSize, int hop) {
+    const double convolution = hop + frameSize / 2 - 1;  // at the internal rate
+    switch (kind) {
+        case AudioPathKind::LinearUnity: return convolution;
+        case AudioPathKind::LinearDouble: return convolution / 2.0 + DoubleRateConverter::kDelay;
+        case AudioPathKind::LinearHalf: return 2.0 * convolution + HalfRateConverter::kDelay;
+        case AudioPathKind::LinearQuarter: return 4.0 * convolution + QuarterRateConverter::kDelay;
+        case AudioPathKind::MinimumDouble: return DoubleRateConverter::kDelay;
+        default: return 0.0;
+    }
+}
+
+void AudioEngine::beginBlock(AudioPathKind kind, const AudioBlockSettings& s) {
+    const bool clear = clearPending_.exchange(false, std::memory_order_acquire);
+    if (clear) clearAll();
+
+    const double rate = hostRate_.load(std::memory_order_relaxed);
+    if (rate != appliedRate_ && rate > 0.0) {
+        gain_.setRate(rate);
+        appliedRate_ = rate;
+    }
+    gain_.setTarget(gainTarget_.load(std::memory_order_relaxed));
+    if (clear) gain_.jumpToTarget();
+
+    const int64_t frame = frame_.load(std::memory_order_relaxed);
+    if (frame != appliedFrame_) {
+        convolver_.configure(static_cast<int>(frame >> 32), static_cast<int>(frame & 0xffffffff));
+        appliedFrame_ = frame;
+    }
+
+    // A path left earlier may still hold audio from then; it starts again from silence.
+    if (kind != path_) {
+        clearPath(kind);
+        path_ = kind;
+    }
+
+    delay_.setDelay(s.compensation);
+
+    const AuditionSection& section = auditionHandoff_.read();
+    if (section.active && !audition_.active()) audition_.clear();
+    audition_.setSection(section);
+}
+
+void AudioEngine::clearPath(AudioPathKind kind) {
+    switch (kind) {
+        case AudioPathKind::LinearUnity: convolver_.clear(); break;
+        case AudioPathKind::LinearDouble:
+            convolver_.clear();
+            doubleRate_.clear();
+            break;
+        case AudioPathKind::LinearHalf:
+            convolver_.clear();
+            halfRate_.clear();
+            break;
+        case AudioPathKind::LinearQuarter:
+            convolver_.clear();
+            quarterRate_.clear();
+            break;
+        case AudioPathKind::MinimumUnity: cascade_.clear(); break;
+        case AudioPathKind::MinimumDouble:
+            cascade_.clear();
+            doubleRate_.clear();
+            break;
+        case AudioPathKind::Bypass: break;
+    }
+}
+
+void AudioEngine::clearAll() {
+    convolver_.clear();
+    cascade_.clear();
+    doubleRate_.clear();
+    halfRate_.clear();
+    quarterRate_.clear();
+    delay_.clear();
+    audition_.clear();
+}
+
+}  // namespace dsp

@@ -1,0 +1,27 @@
+#include "dsp/AuditionFilter.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace dsp {
+namespace {
+
+double flushed(double v) { return (v + 1e-30) - 1e-30; }
+
+}  // namespace
+
+AuditionSection AuditionSection::design(double frequencyHz, double width, double level, double hostRate) {
+    const double q = std::pow(20.0, 0.5 * width + 0.5);
+    const double w = 2.0 * std::numbers::pi * frequencyHz / hostRate;
+    const double alpha = std::sin(w) / (2.0 * q);
+    const double a0 = 1.0 + alpha;
+    AuditionSection s;
+    s.b0 = flushed(std::pow(2.0, 4.0 * level) * alpha / a0);
+    s.b1 = flushed(-s.b0);
+    s.a1 = flushed(-2.0 * std::cos(w) / a0);
+    s.a2 = flushed((1.0 - alpha) / a0);
+    s.active = true;
+    return s;
+}
+
+}  // namespace dsp

@@ -1,0 +1,44 @@
+#pragma once
+// The output gain, smoothed towards its target by a one-pole low-pass with a 30 Hz corner so
+// that automation and knob moves never step the signal.
+
+#include <cmath>
+#include <numbers>
+
+namespace dsp {
+
+class GainSmoother {
+public:
+    static constexpr double kCornerHz = 30.0;
+    static constexpr double kRangeDb = 24.0;  // the Output parameter spans ±12 dB
+
+    explicit GainSmoother(double hostRate = 44100.0) { setRate(hostRate); }
+
+    // The smoothing factor k = 1 − exp(−2π·30 / rate); the current gain is kept.
+    void setRate(double hostRate) { k_ = 1.0 - std::exp(-2.0 * std::numbers::pi * kCornerHz / hostRate); }
+    double coefficient() const { return k_; }
+
+    void setTarget(double gain) { target_ = gain; }
+    double target() const { return target_; }
+    double current() const { return gain_; }
+
+    // After a pause the gain starts at its target, without a ramp.
+    void jumpToTarget() { gain_ = target_; }
+
+    // One step: g += (target − g)·k, kept out of the denormal range as it settles.
+    double next() {
+        gain_ += (target_ - gain_) * k_;
+        gain_ = (gain_ + 1e-30) - 1e-30;
+        return gain_;
+    }
+
+    // The linear gain of the Output parameter's normalized value v: 10^((v − 0.5)·24 / 20).
+    static double targetFromParameter(double v) { return std::pow(10.0, (v - 0.5) * kRangeDb / 20.0); }
+
+private:
+    double k_ = 0.0;
+    double target_ = 1.0;
+    double gain_ = 1.0;
+};
+
+}  // namespace dsp

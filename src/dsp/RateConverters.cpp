@@ -1,0 +1,238 @@
+#include "dsp/RateConverters.h"
+
+namespace dsp {
+namespace {
+
+// ---- Filter taps --------------------------------------------------------------------------
+
+// Half-band low-pass, 127 taps at the higher rate: centre 0.5, even offsets zero, and the odd
+// offsets ±63, ±61, … ±1 carry these values (outermost first).
+constexpr int kHalfBandPairs = 32;
+constexpr double kHalfBandTaps[kHalfBandPairs] = {
+    -0.0004070025915, 0.0004434359652, -0.000505981206,  0.0005969132947, -0.0007185986036, 0.0008735194392,
+    -0.001064306774,  0.00129378341,   -0.001565020542,  0.00188141175,   -0.002246769883,  0.002665454451,
+    -0.003142540203,  0.003684042205,  -0.004297219676,  0.004990991656,  -0.005776514594,  0.006667999601,
+    -0.007683893167,  0.008848624366,  -0.01019526281,   0.01176969391,   -0.01363742886,   0.01589521833,
+    -0.01869195267,   0.02226884858,   -0.02704346789,   0.03380575043,   -0.04425008847,   0.06278435719,
+    -0.1055750277,    0.3181335138,
+};
+
+// Quarter-band low-pass, 255 taps at the higher rate: centre 0.25, offsets that are multiples
+// of 4 zero, and the other offsets from ±127 inwards (127, 126, 125, 123, 122, 121, 119, …,
+// 3, 2, 1) carry these values (outermost first).
+constexpr int kQuarterBandPairs = 96;
+constexpr double kQuarterBandTaps[kQuarterBandPairs] = {
+    -1.214600038e-07, -2.381848141e-07, -2.479459563e-07, 5.138895953e-07,  9.991216059e-07,  9.440476388e-07,
+    -1.573904199e-06, -2.797259967e-06, -2.450571156e-06, 3.633764864e-06,  6.169753645e-06,  5.196858658e-06,
+    -7.228008671e-06, -1.195150243e-05, -9.831348545e-06, 1.312824689e-05,  2.132597692e-05,  1.725861986e-05,
+    -2.238228992e-05, -3.58819099e-05,  -2.868038123e-05, 3.635674165e-05,  5.767451781e-05,  4.563938162e-05,
+    -5.678192111e-05, -8.928958133e-05, -7.006503768e-05, 8.579791087e-05,  0.0001339087324,  0.0001043196621,
+    -0.0001260007937, -0.0001953747995, -0.0001512446364, 0.0001804888226,  0.0002782572066,  0.0002142068114,
+    -0.0002529095016, -0.000387919389,  -0.0002971469843, 0.0003475105006,  0.0005305932455,  0.0004046346906,
+    -0.0004692002435, -0.0007134701898, -0.0005419370883, 0.0006236282988,  0.0009448250514,  0.0007151149324,
+    -0.0008173020797, -0.001234199066,  -0.00093116647,   0.001057766072,   0.001592683543,   0.001198252246,
+    -0.001353885168,  -0.002033370315,  -0.001526053433,  0.00171629906,    0.002572076039,   0.001926349461,
+    -0.002158158504,  -0.003228519111,  -0.002413959496,  0.002696333992,   0.004028259864,   0.003008301805,
+    -0.003353439803,  -0.005005970449,  -0.003736040327,  0.004161325012,   0.006211126476,   0.004635737389,
+    -0.005167349744,  -0.007718368769,  -0.005766439209,  0.006446320663,   0.009647541111,   0.007224580013,
+    -0.008124951317,  -0.01220568118,   -0.009180266679,  0.01043726904,    0.01578505841,    0.01196482165,
+    -0.01386868394,   -0.02122927289,   -0.01631992505,   0.0196143311,     0.03073787128,    0.02431101857,
+    -0.03160866476,   -0.05238903918,   -0.04462468254,   0.07479107816,    0.15893294,       0.2250005514,
+};
+
+
+constexpr std::array<double, kHalfBandPairs> makeHalfBand() {
+    std::array<double, kHalfBandPairs> t{};
+    for (int i = 0; i < kHalfBandPairs; ++i) t[i] = 2.0 * kHalfBandTaps[i];
+    return t;
+}
+
+// Offsets 127, 126, 125, 123, …: every offset from 127 down to 1 that is not a multiple of 4.
+constexpr int quarterOffset(int i) { return 127 - (i + i / 3); }
+
+constexpr std::array<double, kQuarterBandPairs> makeQuarterBand() {
+    std::array<double, kQuarterBandPairs> t{};
+    for (int i = 0; i < kQuarterBandPairs; ++i) t[i] = 4.0 * kQuarterBandTaps[i];
+    return t;
+}
+
+// The whole 255-tap filter, ×4, indexed 0..254 with the centre at 127.
+constexpr std::array<double, kQuarterBandLength> makeQuarterBandFull() {
+    std::array<double, kQuarterBandLength> full{};
+    full[127] = 1.0;
+    for (int i = 0; i < kQuarterBandPairs; ++i) {
+        const int o = quarterOffset(i);
+        full[127 - o] = 4.0 * kQuarterBandTaps[i];
+        full[127 + o] = 4.0 * kQuarterBandTaps[i];
+    }
+    return full;
+}
+
+// Interpolating by 4 places e[j] at index 4j of the fine grid; the fine sample 4m + p then
+// reads tap p + 4r for e[m − r]. Phases p = 0, 1, 2 are the fractional ones (offsets 1, 2, 3
+// modulo 4 from the centre); p = 3 falls on the centre alone and is the stored sample.
+constexpr std::array<std::array<double, 64>, 3> makeQuarterBandPhases() {
+    const auto full = makeQuarterBandFull();
+    std::array<std::array<double, 64>, 3> phases{};
+    for (int p = 0; p < 3; ++p)
+        for (int r = 0; r < 64; ++r) phases[p][r] = full[p + 4 * r];
+    return phases;
+}
+
+// The taps as the converters use them: scaled by the conversion factor, so that the
+// interpolators' centre weight is 1 and each of their polyphase phases has (close to) unity
+// gain. Half-band: the odd taps doubled, outermost first. Quarter-band: the listed taps ×4,
+// outermost first, and the interpolator's three fractional phases, 64 taps each.
+constexpr auto kHalfBand = makeHalfBand();
+constexpr auto kQuarterBand = makeQuarterBand();
+constexpr auto kQuarterBandPhases = makeQuarterBandPhases();
+
+static_assert(quarterOffset(0) == 127 && quarterOffset(2) == 125 && quarterOffset(3) == 123);
+static_assert(quarterOffset(kQuarterBandPairs - 1) == 1);
+
+// Σ c[j]·(w[j] + w[last − j]) over the pairs of a symmetric filter's odd phase.
+template <size_t Pairs>
+inline double foldedSum(const std::array<double, Pairs>& c, const double* w, int last) {
+    double s = 0.0;
+    for (size_t j = 0; j < Pairs; ++j) s += c[j] * (w[j] + w[last - static_cast<int>(j)]);
+    return s;
+}
+
+}  // namespace
+
+// Ring x[n−63..n]: the taps ±(2j'+1) around the midpoint of x[n−32] and x[n−31] pair
+// window[j] with window[63 − j].
+void HalfBandUpsampler::process(double x, double& first, double& second) {
+    ring_.push(x);
+    const double* w = ring_.window();
+    first = foldedSum(kHalfBand, w, 63);
+    second = w[32];
+}
+
+// Even ring u[2n−126..2n] (step 2), odd ring up to u[2n−1]: the output is centred on u[2n−63],
+// 31 pairs back in the odd ring.
+double HalfBandDownsampler::process(double first, double second) {
+    even_.push(first);
+    const double centre = odd_.back(31);
+    const double y = 0.5 * (centre + foldedSum(kHalfBand, even_.window(), 63));
+    odd_.push(second);
+    return y;
+}
+
+// Ring x[n−126..n]: centre x[n−63]; the odd offsets from it are the even ring positions,
+// window[2j] paired with window[126 − 2j].
+double HalfBandDecimator::evaluate() const {
+    const double* w = ring_.window();
+    double s = 0.0;
+    for (int j = 0; j < kHalfBandPairs; ++j) s += kHalfBand[j] * (w[2 * j] + w[126 - 2 * j]);
+    return 0.5 * (w[63] + s);
+}
+
+void HalfBandInterpolator::process(double e, double& first, double& second) {
+    ring_.push(e);
+    const double* w = ring_.window();
+    first = foldedSum(kHalfBand, w, 63);
+    second = w[32];
+}
+
+// Ring x[n−254..n]: centre x[n−127]; each listed tap multiplies the two samples at its offset.
+double QuarterBandDecimator::evaluate() const {
+    const double* w = ring_.window();
+    double s = 0.0;
+    for (int i = 0; i < kQuarterBandPairs; ++i) {
+        const int o = quarterOffset(i);
+        s += kQuarterBand[i] * (w[127 - o] + w[127 + o]);
+    }
+    return 0.25 * (w[127] + s);
+}
+
+void QuarterBandInterpolator::process(double e, double (&out)[4]) {
+    ring_.push(e);
+    const double* w = ring_.window();  // w[63 − r] = e[m − r]
+    out[0] = w[31];
+    for (int p = 0; p < 3; ++p) {
+        const auto& c = kQuarterBandPhases[p];
+        double s = 0.0;
+        for (int r = 0; r < 64; ++r) s += c[r] * w[63 - r];
+        out[p + 1] = s;
+    }
+}
+
+// ---- Stereo converters ---------------------------------------------------------------------
+
+void DoubleRateConverter::clear() {
+    upA_.clear();
+    upB_.clear();
+    downA_.clear();
+    downB_.clear();
+}
+
+void DoubleRateConverter::up(double a, double b, double (&outA)[2], double (&outB)[2]) {
+    upA_.process(a, outA[0], outA[1]);
+    upB_.process(b, outB[0], outB[1]);
+}
+
+void DoubleRateConverter::down(const double (&inA)[2], const double (&inB)[2], double& a, double& b) {
+    a = downA_.process(inA[0], inA[1]);
+    b = downB_.process(inB[0], inB[1]);
+}
+
+void HalfRateConverter::clear() {
+    decA_.clear();
+    decB_.clear();
+    intA_.clear();
+    intB_.clear();
+    for (int i = 0; i < kFactor; ++i) pendingA_[i] = pendingB_[i] = 0.0;
+    phase_ = 0;
+}
+
+bool HalfRateConverter::down(double a, double b, double& innerA, double& innerB) {
+    decA_.push(a);
+    decB_.push(b);
+    if (phase_ != 0) return false;
+    innerA = decA_.evaluate();
+    innerB = decB_.evaluate();
+    return true;
+}
+
+void HalfRateConverter::up(double innerA, double innerB) {
+    intA_.process(innerA, pendingA_[0], pendingA_[1]);
+    intB_.process(innerB, pendingB_[0], pendingB_[1]);
+}
+
+void HalfRateConverter::out(double& a, double& b) {
+    a = pendingA_[phase_];
+    b = pendingB_[phase_];
+    if (++phase_ == kFactor) phase_ = 0;
+}
+
+void QuarterRateConverter::clear() {
+    decA_.clear();
+    decB_.clear();
+    intA_.clear();
+    intB_.clear();
+    for (int i = 0; i < kFactor; ++i) pendingA_[i] = pendingB_[i] = 0.0;
+    phase_ = 0;
+}
+
+bool QuarterRateConverter::down(double a, double b, double& innerA, double& innerB) {
+    decA_.push(a);
+    decB_.push(b);
+    if (phase_ != 0) return false;
+    innerA = decA_.evaluate();
+    innerB = decB_.evaluate();
+    return true;
+}
+
+void QuarterRateConverter::up(double innerA, double innerB) {
+    intA_.process(innerA, pendingA_);
+    intB_.process(innerB, pendingB_);
+}
+
+void QuarterRateConverter::out(double& a, double& b) {
+    a = pendingA_[phase_];
+    b = pendingB_[phase_];
+    if (++phase_ == kFactor) phase_ = 0;
+}
+
+}  // namespace dsp
