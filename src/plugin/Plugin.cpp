@@ -6,6 +6,7 @@
 
 #include "dsp/DesignRate.h"
 #include "gui/Editor.h"
+#include "plugin/GlobalSettings.h"
 #include "plugin/ParameterTable.h"
 
 using namespace params;
@@ -58,6 +59,8 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     gainTarget = std::pow(10.0, (values[kOutput] - 0.5) * 24.0 / 20.0);
     currentGain = gainTarget;
     suspend();
+
+    loadGlobalSettings();
 
     pluginEditor = new Editor(this);
     setEditor(pluginEditor);
@@ -386,6 +389,25 @@ void Plugin::selectPreset(int index) {
     }
     if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
     if (pluginEditor) pluginEditor->takePlotRange();
+}
+
+// A first run (nothing stored yet) keeps the constructor's values; otherwise each value the
+// store lacks takes its default. Applying them writes them into every preset.
+void Plugin::loadGlobalSettings() {
+    const auto stored = globals::load(platform::UserStore::forCurrentUser());
+    latencyMode = stored ? stored->latencyMode : globals::kDefaultLatencyMode;
+    for (int row = 1; row < globals::kRowCount; ++row) {
+        const int index = globals::kRows[row].parameter;
+        setParameter(index, stored ? stored->parameters[row] : values[index]);
+    }
+    restoreStartupState();
+}
+
+bool Plugin::saveGlobalSettings() {
+    globals::Values v;
+    v.latencyMode = latencyMode;
+    for (int row = 1; row < globals::kRowCount; ++row) v.parameters[row] = values[globals::kRows[row].parameter];
+    return globals::save(platform::UserStore::forCurrentUser(), v);
 }
 
 void Plugin::applyAnalyzerSetting(int index) {

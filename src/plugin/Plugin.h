@@ -65,6 +65,13 @@ public:
     bool analyzerFeedActive() const;
     SPAN* getAnalyzer() const { return analyzer.get(); }
 
+    // The user's global settings: read once at construction, written when the editor asks.
+    void loadGlobalSettings();
+    bool saveGlobalSettings();
+    void getLatencyMode(int& mode) const { mode = latencyMode; }
+    // Only stored: the host is told at the next sample-rate or block-size change.
+    void setLatencyMode(int mode) { latencyMode = mode; }
+
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
 
@@ -133,5 +140,6 @@ private:
     int outputChannels = 2;
     float peaks[2] = {0.0f, 0.0f};
 
+    int latencyMode = 2;
     Editor* pluginEditor = nullptr;
 };

@@ -30,7 +30,8 @@ std::vector<std::string> expectedNames() {
     return n;
 }
 
-// Factory preset "Flat" as listed in the product's preset table.
+// Factory preset "Flat" as listed in the product's preset table, with the user's global
+// settings of a first run (nothing stored) in the analyzer and zoom slots.
 std::vector<float> flatPreset() {
     std::vector<double> v(94, 0.0);
     const double head[6] = {1, 0, 0, 1, 0, 0.5};
@@ -44,7 +45,11 @@ std::vector<float> flatPreset() {
     const double tail[15] = {0.5,     0.833333, 0.75,    0,     0.15625,  0.03125, 0.09375, 0.03125,
                              0.03125, 0,        0,       0.666667, 0,     0.09375, 0};
     for (int i = 0; i < 15; ++i) v[70 + i] = tail[i];
-    return std::vector<float>(v.begin(), v.end());
+    std::vector<float> f(v.begin(), v.end());
+    for (int i : {73, 74, 75, 76, 77, 78, 82}) f[i] = 1.0f / 32;
+    f[83] = 3.0f / 32;
+    f[80] = 0.25f;
+    return f;
 }
 
 }  // namespace
@@ -67,7 +72,7 @@ TEST_F(Parameters, TextsOfTheStartPreset) {
     const std::vector<std::string> head = {"ON", "OFF", "LR", "ON", "LOW", "0.000000"};
     const char* freq[8] = {"50", "100", "250", "500", "1000", "2000", "10000", "15000"};
     const char* q[8] = {"0.7", "0.7", "1.0", "1.0", "1.0", "1.0", "0.7", "0.7"};  // bands 3..6 peaking
-    const std::vector<std::string> tail = {"8.485281", "LINK", "",    "1/3 OCT", "BROWN",  "FAST",  "AVERAGE",
+    const std::vector<std::string> tail = {"8.485281", "LINK", "",    "1/3 OCT", "GREY",   "FAST",  "PEAK",
                                            "OFF",      "FLAT", "---", "OFF",     "+12.0dB", "WIDE", "SELECT",
                                            "OFF"};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(plugin->parameterDisplay(i), head[i]) << i;

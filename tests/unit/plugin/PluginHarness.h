@@ -1,6 +1,7 @@
 #pragma once
 // A Plugin linked directly, with a host callback that records what the plug-in tells it.
 
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -36,6 +37,9 @@ struct PluginHarness {
     std::unique_ptr<Plugin> plugin;
 
     PluginHarness() {
+        // Never the developer's own stored settings: a store that does not exist unless the
+        // test made one.
+        setenv("TYX_VIREO_CONFIG_DIR", "/nonexistent/tyx-vireo-unit-tests", 0);
         RecordingHost::current() = &host;
         plugin = std::make_unique<Plugin>(&RecordingHost::callback);
         host.calls.clear();

@@ -212,10 +212,12 @@ TEST_F(ParameterSemantics, SampleRateAndPartitionLength) {
 TEST_F(ParameterSemantics, AnalyzerFollowsItsParameters) {
     SPAN* span = p.getAnalyzer();
     ASSERT_NE(span, nullptr);
-    // Start-up applied "Flat": speed fast, average mode, order 6.
+    // A first run's settings: speed fast, peak mode, order 6.
     EXPECT_EQ(span->speed(), 0);
-    EXPECT_EQ(span->mode(), 1);
+    EXPECT_EQ(span->mode(), 0);
     EXPECT_EQ(span->filterOrder(), 6);
+    p.setParameter(76, 1.5f / 16);
+    EXPECT_EQ(span->mode(), 1);
     p.setParameter(75, 2.5f / 16);
     EXPECT_EQ(span->speed(), 2);
     p.setParameter(76, 0.5f / 16);
