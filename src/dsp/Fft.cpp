@@ -1,0 +1,48 @@
+#include "dsp/Fft.h"
+
+#include "dsp/FftFamilies.h"
+#include "platform/CpuFeatures.h"
+
+namespace dsp {
+
+const FftRoutines& fftRoutines(FftFamily family) {
+    switch (family) {
+        case FftFamily::Sse2: return fft::sse2Routines();
+        case FftFamily::Avx2: return fft::avx2Routines();
+        default: return fft::scalarRoutines();
+    }
+}
+
+bool fftFamilyUsable(FftFamily family) {
+    switch (family) {
+        case FftFamily::Sse2: return platform::cpuFeatures().usable(platform::kCpuSse2);
+        case FftFamily::Avx2: return platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx2);
+        default: return true;
+    }
+}
+
+FftFamily preferredFftFamily() {
+    return fftFamilyUsable(FftFamily::Sse2) ? FftFamily::Sse2 : FftFamily::Scalar;
+}
+
+const char* fftFamilyName(FftFamily family) {
+    switch (family) {
+        case FftFamily::Sse2: return "sse2";
+        case FftFamily::Avx2: return "avx2";
+        default: return "scalar";
+    }
+}
+
+void interleaveSpectra(const double* a, const double* b, double* kernels, int n) {
+    for (int e = 0; e < 2 * n; ++e) {
+        kernels[2 * e] = a[e];
+        kernels[2 * e + 1] = b[e];
+    }
+}
+
+Fft::Fft(FftFamily family)
+    : family_(fftFamilyUsable(family) ? family : FftFamily::Scalar), routines_(&fftRoutines(family_)) {
+    fft::ensureRotationTables();
+}
+
+}  // namespace dsp

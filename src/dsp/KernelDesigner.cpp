@@ -1,0 +1,179 @@
+#include "dsp/KernelDesigner.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace dsp {
+namespace {
+
+constexpr double kHammingCentre = 0.54;
+constexpr double kHammingSwing = 0.46;
+// Added and taken away again after every section output, so that a decaying response
+// ends in exact zeros instead of denormals.
+constexpr double kDenormalGuard = 1e-18;
+
+struct SectionState {
+    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
+};
+
+inline double runSection(const BiquadCoefficients& c, SectionState& s, double x) {
+    double y = c.b0 * x + c.b1 * s.x1 + c.b2 * s.x2 - c.a1 * s.y1 - c.a2 * s.y2;
+    y = (y + kDenormalGuard) - kDenormalGuard;
+    s.x2 = s.x1;
+    s.x1 = x;
+    s.y2 = s.y1;
+    s.y1 = y;
+    return y;
+}
+
+}  // namespace
+
+KernelDesigner::KernelDesigner(FftFamily family)
+    : fft_(family),
+      keepsInterleaved_(fft_.family() != FftFamily::Scalar),
+      work_(2 * kMaxFrameSize),
+      window_(kMaxFrameSize / 2),
+      displayScratch_(KernelDisplay::kScratchDoubles) {
+    for (int side = 0; side < kSides; ++side) {
+        for (AlignedBuffer& buffer : kernels_[side]) buffer = AlignedBuffer(2 * kMaxFrameSize);
+        active_[side] = kernels_[side][0].data();
+        spare_[side] = kernels_[side][1].data();
+    }
+    if (keepsInterleaved_)
+        for (AlignedBuffer& buffer : interleaved_) buffer = AlignedBuffer(4 * kMaxFrameSize);
+    activeInterleaved_ = interleaved_[0].data();
+    spareInterleaved_ = interleaved_[1].data();
+}
+
+KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize,
+                                         double designRate, bool linPhase, platform::TimedLock& processLock,
+                                         platform::TimedLock& engineLock, KernelCurves* curves, int lockWaitMs) {
+    if (fftSizeIndex(frameSize) < 0) return KernelBuild::Refused;
+
+    platform::TimedLock::Guard process(processLock, lockWaitMs);
+    if (!process) {
+        pending_.store(true, std::memory_order_release);
+        return KernelBuild::Skipped;
+    }
+    // From here on this build reflects everything the owner changed before calling it.
+    pending_.store(false, std::memory_order_release);
+
+    const bool measure = linPhase && curves != nullptr;
+    buildSpares(sections, frameSize, designRate, linPhase, measure);
+    {
+        platform::TimedLock::Guard engine(engineLock, lockWaitMs);
+        if (!engine) {
+            // The spares are written but stay spares: the audio path keeps the old pair.
+            pending_.store(true, std::memory_order_release);
+            return KernelBuild::Skipped;
+        }
+        for (int side = 0; side < kSides; ++side) std::swap(active_[side], spare_[side]);
+        std::swap(activeInterleaved_, spareInterleaved_);
+        activeFrameSize_ = frameSize;
+    }
+    if (measure) *curves = measured_;
+    return linPhase ? KernelBuild::Built : KernelBuild::Cleared;
+}
+
+void KernelDesigner::buildSpares(const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate,
+                                 bool linPhase, bool measureCurves) {
+    const size_t entries = 2 * static_cast<size_t>(n);
+    for (int side = 0; side < kSides; ++side) std::fill(spare_[side], spare_[side] + entries, 0.0);
+
+    if (linPhase) {
+        // Side A's reversed response goes straight into the work buffer; side B's is copied
+        // there once side A is done with it.
+        std::fill(work_.data(), work_.data() + entries, 0.0);
+        runCascades(sections, n);
+        autocorrelate(spare_[0], n);
+
+        std::fill(work_.data(), work_.data() + entries, 0.0);
+        const int half = n / 2;
+        for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = spare_[1][2 * k];
+        autocorrelate(spare_[1], n);
+
+        useWindowFor(n);
+        for (int side = 0; side < kSides; ++side) applyWindow(spare_[side], n);
+        if (measureCurves)
+            for (int side = 0; side < kSides; ++side)
+                display_.measure(spare_[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
+        for (int side = 0; side < kSides; ++side) {
+            fft_.forward(spare_[side], n);
+            fft_.scale(spare_[side], n);
+        }
+    }
+    if (keepsInterleaved_) interleaveSpectra(spare_[0], spare_[1], spareInterleaved_, n);
+}
+
+// A unit impulse through each side's eight sections, band 1 first, for samples 0..N/2; the
+// two sides run side by side (their recursions are independent, so the processor overlaps
+// them). Sample k of side A's output goes to sample k of its spare and to sample N/2 − k of
+// the work buffer; side B's to its spare.
+void KernelDesigner::runCascades(const BiquadCoefficients (&sections)[kBandSlots], int n) {
+    SectionState state[kBandSlots] = {};
+    double* a = spare_[0];
+    double* b = spare_[1];
+    double* reversed = work_.data();
+    const int half = n / 2;
+    for (int k = 0; k <= half; ++k) {
+        double xa = k == 0 ? 1.0 : 0.0;
+        double xb = xa;
+        for (int band = 0; band < kBandsPerSide; ++band) {
+            xa = runSection(sections[band], state[band], xa);
+            xb = runSection(sections[kBandsPerSide + band], state[kBandsPerSide + band], xb);
+        }
+        a[2 * k] = xa;
+        b[2 * k] = xb;
+        reversed[2 * (half - k)] = xa;
+    }
+}
+
+// kernel (h forwards) ← h correlated with the work buffer's h reversed: c[n], n = 0..N, peak
+// at N/2. N + 1 samples fit the 2N-sample circular product without wrapping round.
+void KernelDesigner::autocorrelate(double* kernel, int n) {
+    double* reversed = work_.data();
+    fft_.forward(reversed, n);
+    fft_.scale(reversed, n);
+    fft_.forward(kernel, n);
+    fft_.multiply(kernel, reversed, n);
+    fft_.inverse(kernel, n);
+}
+
+// Samples 0..N/2 − 1 take the rising half of the window and are mirrored onto N..N/2 + 1
+// (which also makes the taps exactly symmetric); sample N/2 keeps weight 1. Whatever rounding
+// left in samples N + 1..2N − 1 is cleared: the kernel is exactly its N + 1 taps.
+void KernelDesigner::applyWindow(double* kernel, int n) {
+    const double* w = window_.data();
+    const int half = n / 2;
+    for (int k = 0; k < half; ++k) kernel[2 * k] *= w[k];
+    for (int k = 1; k < half; ++k) kernel[2 * (n - k)] = kernel[2 * k];
+    kernel[1] = kernel[0];
+    for (int t = 1; t < n; ++t) kernel[2 * t + 1] = 0.0;
+}
+
+void KernelDesigner::useWindowFor(int n) {
+    if (windowSize_ == n) return;
+    const double pi = 3.14159265358979323846;
+    for (int k = 0; k < n / 2; ++k) window_[k] = kHammingCentre - kHammingSwing * std::cos(2.0 * pi * k / n);
+    windowSize_ = n;
+}
+
+bool KernelDesigner::multiplyByActiveKernel(int side, double* frame, int frameSize) const {
+    if (frameSize != activeFrameSize_ || side < 0 || side >= kSides) return false;
+    fft_.multiply(frame, active_[side], frameSize);
+    return true;
+}
+
+bool KernelDesigner::multiplyBothSides(double* frameA, double* frameB, int frameSize) const {
+    if (frameSize != activeFrameSize_) return false;
+    if (keepsInterleaved_) {
+        fft_.multiplyBoth(frameA, frameB, activeInterleaved_, frameSize);
+    } else {
+        fft_.multiply(frameA, active_[0], frameSize);
+        fft_.multiply(frameB, active_[1], frameSize);
+    }
+    return true;
+}
+
+}  // namespace dsp
