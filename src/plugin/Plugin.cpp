@@ -153,10 +153,36 @@ void Plugin::redesignAllBands() {
     if (!isLoading) refreshCurves();
 }
 
-// The caller holds the design lock, which serializes everything that writes the curves.
+// The caller holds the design lock, which serializes everything that writes the curves. With
+// LinPhase on the total curves are measured from the new kernels, so that the plot shows what
+// the audio path applies; with it off they are the sums of the band curves, and the kernels
+// are cleared.
 void Plugin::refreshCurves() {
     bandModel.computeBandCurves();
-    bandModel.computeTotalCurves();
+    dsp::BiquadCoefficients sections[dsp::kBandSlots];
+    for (int slot = 0; slot < dsp::kBandSlots; ++slot) sections[slot] = bandModel.section(slot);
+    const bool linPhase = steps[kLinPhase] == 1;
+    dsp::KernelCurves measured;
+    const dsp::KernelBuild build =
+        kernels.buildKernels(sections, frameSize, designRateHz, linPhase, processLock, engineLock, &measured);
+    if (build == dsp::KernelBuild::Built && linPhase) {
+        for (int side = 0; side < dsp::kSides; ++side) bandModel.setTotalCurve(side, measured.side[side]);
+    } else {
+        bandModel.computeTotalCurves();
+    }
+}
+
+// A kernel build whose lock wait ran out is repeated at the next chance the host gives on a
+// thread other than the audio thread.
+void Plugin::rebuildIfPending() {
+    if (!kernels.rebuildPending() || isLoading) return;
+    platform::TimedLock::Guard design(designLock);
+    if (design) refreshCurves();
+}
+
+VstIntPtr Plugin::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+    if (opcode == effEditIdle) rebuildIfPending();
+    return CPresetSystemEffect::dispatcher(opcode, index, value, ptr, opt);
 }
 
 // Until the equalizer engine is in place the plug-in passes its input through unchanged.

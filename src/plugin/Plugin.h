@@ -8,6 +8,7 @@
 
 #include "analyzer/SPAN.h"
 #include "dsp/BandModel.h"
+#include "dsp/KernelDesigner.h"
 #include "platform/TimedLock.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/Parameters.h"
@@ -25,7 +26,8 @@ public:
 
     // Host boundary.
     void suspend() override;
-    void resume() override {}
+    void resume() override { rebuildIfPending(); }
+    VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     void setSampleRate(float rate) override;
     void setBlockSize(VstInt32 size) override;
     void processReplacing(float** inputs, float** outputs, VstInt32 frames) override;
@@ -83,6 +85,7 @@ public:
     const dsp::BandSettings& band(int side, int b) const { return bandModel.band(side, b); }
     const dsp::BandModel& bands() const { return bandModel; }
     double designRate() const { return designRateHz; }
+    const dsp::KernelDesigner& kernelDesigner() const { return kernels; }
     int step(int index) const { return steps[index]; }
     int channelMode() const { return channel; }
     unsigned soloMask() const { return static_cast<unsigned>(steps[params::kSolo]); }
@@ -111,6 +114,7 @@ private:
     void updateBand(int b);
     void redesignAllBands();
     void refreshCurves();
+    void rebuildIfPending();
     int partitionForBlock(bool inclusiveThresholds) const;
     bool previewText(int index, float v, char* text);
     void currentText(int index, char* text);
@@ -122,6 +126,7 @@ private:
     float values[params::kUsedParameters] = {};
     int steps[params::kUsedParameters] = {};
     dsp::BandModel bandModel;
+    dsp::KernelDesigner kernels;
     std::unique_ptr<SPAN> analyzer;
     double designRateHz = 44100.0;
     int channel = params::kChannelLink;

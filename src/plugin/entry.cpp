@@ -4,8 +4,13 @@
 
 #include "plugin/Plugin.h"
 
+// Never lets an exception reach the host: a plug-in that cannot be built is simply absent.
 AudioEffect* createEffectInstance(audioMasterCallback audioMaster) {
-    return new (std::nothrow) Plugin(audioMaster);
+    try {
+        return new Plugin(audioMaster);
+    } catch (...) {
+        return nullptr;
+    }
 }
 
 VST_EXPORT AEffect* VSTPluginMain(audioMasterCallback audioMaster) {

@@ -80,3 +80,29 @@ TEST_F(BandDesign, PresetLoadRefreshesCurvesAndZoomOnce) {
     EXPECT_NEAR(peakOf(p.getTotalCurves(0)), 0.0f, 1e-6f);
     EXPECT_EQ(p.getParameter(70), 1.0f);
 }
+
+TEST_F(BandDesign, KernelsFollowTheFrameAndLinPhase) {
+    EXPECT_EQ(p.kernelDesigner().activeFrameSize(), 4096);
+    p.setParameter(4, 1.0f);  // Resolution high
+    EXPECT_EQ(p.kernelDesigner().activeFrameSize(), 16384);
+    p.setParameter(1, 0.75f);  // FAT
+    EXPECT_EQ(p.kernelDesigner().activeFrameSize(), 32768);
+    EXPECT_FALSE(p.kernelDesigner().rebuildPending());
+
+    // With LinPhase on the plot shows the kernel's measured response: close to the bands' sum
+    // where the 32768-tap kernel resolves the band, not bit-equal to it.
+    peakAt1k();
+    const int centre = gridPoint(1000);
+    EXPECT_NEAR(p.getTotalCurves(0)[centre], 24.0f, 0.1f);
+    float sum = 0;
+    for (int b = 0; b < 8; ++b) sum += p.getBandCurves(0, b)[centre];
+    EXPECT_NE(p.getTotalCurves(0)[centre], sum);
+
+    // With LinPhase off the totals are exactly the sums of the band curves.
+    p.setParameter(3, 0.25f);
+    for (int i = 0; i < dsp::kPlotPoints; i += 37) {
+        float s = 0;
+        for (int b = 0; b < 8; ++b) s += p.getBandCurves(1, b)[i];
+        EXPECT_EQ(p.getTotalCurves(1)[i], s) << i;
+    }
+}
