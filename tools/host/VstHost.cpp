@@ -138,10 +138,27 @@ std::string LoadedPlugin::effectName() { return text(effGetEffectName, 0); }
 std::string LoadedPlugin::vendorString() { return text(effGetVendorString, 0); }
 std::string LoadedPlugin::productString() { return text(effGetProductString, 0); }
 
+namespace {
+
+// Arrangement and speaker type numbers of the interface: mono is arrangement 0 with the
+// speaker M (0); stereo is arrangement 1 with L (1) and R (2); anything else is user-defined (-2).
+void describeArrangement(VstSpeakerArrangement& a, int channels) {
+    a.numChannels = channels;
+    a.type = channels == 1 ? 0 : channels == 2 ? 1 : -2;
+    static const char* const names[2][2] = {{"M", ""}, {"L", "R"}};
+    if (channels < 1 || channels > 2) return;
+    for (int c = 0; c < channels; ++c) {
+        a.speakers[c].type = channels == 1 ? 0 : c + 1;
+        std::strncpy(a.speakers[c].name, names[channels - 1][c], sizeof a.speakers[c].name - 1);
+    }
+}
+
+}  // namespace
+
 bool LoadedPlugin::setSpeakerArrangement(int inputChannels, int outputChannels) {
     VstSpeakerArrangement in{}, out{};
-    in.numChannels = inputChannels;
-    out.numChannels = outputChannels;
+    describeArrangement(in, inputChannels);
+    describeArrangement(out, outputChannels);
     return dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&in), &out) != 0;
 }
 

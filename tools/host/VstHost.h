@@ -35,6 +35,9 @@ public:
     LoadedPlugin& operator=(const LoadedPlugin&) = delete;
 
     AEffect* effect() const { return effect_; }
+    // The delay the plug-in reports, as read from its record (hosts read it at resume).
+    int initialDelay() const { return effect_->initialDelay; }
+    bool canProcessDouble() const { return (effect_->flags & effFlagsCanDoubleReplacing) != 0; }
     HostLog& log() { return log_; }
 
     // Host answers the plug-in may ask for.
@@ -54,6 +57,13 @@ public:
     void setBlockSize(int size) { dispatch(effSetBlockSize, 0, size); }
     void resume() { dispatch(effMainsChanged, 0, 1); }
     void suspend() { dispatch(effMainsChanged, 0, 0); }
+    // Around a run of process calls, after resume and before suspend.
+    void startProcess() { dispatch(effStartProcess); }
+    void stopProcess() { dispatch(effStopProcess); }
+    // Tells the plug-in which of the two process calls will follow (before resume).
+    void setProcessPrecision(bool sixtyFourBit) {
+        dispatch(effSetProcessPrecision, 0, sixtyFourBit ? kVstProcessPrecision64 : kVstProcessPrecision32);
+    }
 
     // Parameters.
     int numParams() const { return effect_->numParams; }
@@ -83,6 +93,7 @@ public:
     int vendorVersion() { return static_cast<int>(dispatch(effGetVendorVersion)); }
     int category() { return static_cast<int>(dispatch(effGetPlugCategory)); }
     int canDo(const char* text) { return static_cast<int>(dispatch(effCanDo, 0, 0, const_cast<char*>(text))); }
+    // Mono (one channel) or stereo arrangements, with their speakers named as hosts do.
     bool setSpeakerArrangement(int inputChannels, int outputChannels);
 
     // Processing.

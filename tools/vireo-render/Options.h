@@ -1,0 +1,35 @@
+#pragma once
+// The command line of vireo-render.
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace render {
+
+struct Options {
+    std::string input;   // empty: the built-in test signal
+    std::string output;  // empty: derived from the input, or vireo-demo.wav
+    std::string pluginPath;
+    std::optional<std::string> preset;
+    std::string presetFile;
+    std::string bankFile;
+    std::vector<std::pair<std::string, float>> sets;  // in the order given
+    std::string format;
+    std::string bits;
+    int block = 512;
+    bool useDouble = false;
+    bool keepLatency = false;
+    bool quiet = false;
+    bool listPresets = false;
+    bool listParams = false;
+    bool help = false;
+};
+
+// Throws UsageError with a one-line reason.
+Options parseOptions(int argc, char** argv);
+
+extern const char* const kUsage;
+
+}  // namespace render
