@@ -85,11 +85,11 @@ void KernelDesigner::buildSpares(const BiquadCoefficients (&sections)[kBandSlots
         // Side A's reversed response goes straight into the work buffer; side B's is copied
         // there once side A is done with it.
         std::fill(work_.data(), work_.data() + entries, 0.0);
-        runCascades(sections, n);
+        const int half = n / 2;
+        cascadeImpulseResponses(sections, half, spare_[0], spare_[1], work_.data());
         autocorrelate(spare_[0], n);
 
         std::fill(work_.data(), work_.data() + entries, 0.0);
-        const int half = n / 2;
         for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = spare_[1][2 * k];
         autocorrelate(spare_[1], n);
 
@@ -106,26 +106,19 @@ void KernelDesigner::buildSpares(const BiquadCoefficients (&sections)[kBandSlots
     if (keepsInterleaved_) interleaveSpectra(spare_[0], spare_[1], spareInterleaved_, n);
 }
 
-// A unit impulse through each side's eight sections, band 1 first, for samples 0..N/2; the
-// two sides run side by side (their recursions are independent, so the processor overlaps
-// them). Sample k of side A's output goes to sample k of its spare and to sample N/2 − k of
-// the work buffer; side B's to its spare.
-void KernelDesigner::runCascades(const BiquadCoefficients (&sections)[kBandSlots], int n) {
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
+                             double* sideAReversed) {
     SectionState state[kBandSlots] = {};
-    double* a = spare_[0];
-    double* b = spare_[1];
-    double* reversed = work_.data();
-    const int half = n / 2;
     for (int k = 0; k <= half; ++k) {
-        double xa = k == 0 ? 1.0 : 0.0;
-        double xb = xa;
+        double a = k == 0 ? 1.0 : 0.0;
+        double b = a;
         for (int band = 0; band < kBandsPerSide; ++band) {
-            xa = runSection(sections[band], state[band], xa);
-            xb = runSection(sections[kBandsPerSide + band], state[kBandsPerSide + band], xb);
+            a = runSection(sections[band], state[band], a);
+            b = runSection(sections[kBandsPerSide + band], state[kBandsPerSide + band], b);
         }
-        a[2 * k] = xa;
-        b[2 * k] = xb;
-        reversed[2 * (half - k)] = xa;
+        sideA[2 * k] = a;
+        sideB[2 * k] = b;
+        sideAReversed[2 * (half - k)] = a;
     }
 }
 

@@ -38,6 +38,13 @@
 
 namespace dsp {
 
+// The responses of both sides' cascades (slots 0..7 side A, 8..15 side B, band 1 first) to a
+// unit impulse, samples k = 0..half: sample k goes to entry 2k of sideA and sideB (the
+// half-interleaved layout) and to entry 2(half − k) of sideAReversed. The two sides run side
+// by side: their recursions are independent, so the processor overlaps them.
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
+                             double* sideAReversed);
+
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
     Curve side[kSides];
@@ -89,7 +96,6 @@ public:
 private:
     void buildSpares(const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate, bool linPhase,
                      bool measureCurves);
-    void runCascades(const BiquadCoefficients (&sections)[kBandSlots], int n);
     void autocorrelate(double* kernel, int n);
     void applyWindow(double* kernel, int n);
     void useWindowFor(int n);

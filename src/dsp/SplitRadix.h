@@ -326,7 +326,8 @@ struct StageLoops {
         a[1] *= kernels[2];
         b[0] *= kernels[1];
         b[1] *= kernels[3];
-        for (int j = 1; j < M; ++j) P::mulBoth(a + 2 * j, b + 2 * j, kernels + 4 * j);
+        P::mulBoth(a + 2, b + 2, kernels + 4);
+        for (int j = 2; j < M; j += W::kWidth) W::mulBoth(a + 2 * j, b + 2 * j, kernels + 4 * j);
     }
 };
 

@@ -1,0 +1,117 @@
+#pragma once
+// Independent truth for the transform tests: the discrete Fourier transform and its synthesis
+// evaluated term by term in long double, straight from their definitions, and helpers to move
+// signals in and out of the transform buffer's layout.
+
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <map>
+#include <random>
+#include <vector>
+
+#include "dsp/Fft.h"
+#include "dsp/FftLayout.h"
+
+namespace fft_test {
+
+using LongComplex = std::complex<long double>;
+
+// cos and sin of 2π·j/(2N), j = 0..2N − 1, in long double (one table per N, kept).
+inline const std::vector<LongComplex>& roots(int n) {
+    static std::map<int, std::vector<LongComplex>> tables;
+    auto [it, fresh] = tables.try_emplace(n);
+    if (fresh) {
+        const long double pi = 3.141592653589793238462643383279502884L;
+        it->second.resize(2 * static_cast<size_t>(n));
+        for (int j = 0; j < 2 * n; ++j) {
+            const long double a = pi * j / n;
+            it->second[j] = {std::cos(a), std::sin(a)};
+        }
+    }
+    return it->second;
+}
+
+// X[k] = Σ_t x[t]·exp(−2πi·kt/2N) over the 2N samples x.
+inline LongComplex dftBin(const std::vector<double>& x, int k) {
+    const int two = static_cast<int>(x.size());
+    const auto& r = roots(two / 2);
+    long double re = 0, im = 0;
+    for (int t = 0; t < two; ++t) {
+        const LongComplex& w = r[static_cast<size_t>(static_cast<int64_t>(k) * t % two)];
+        re += x[t] * w.real();
+        im -= x[t] * w.imag();
+    }
+    return {re, im};
+}
+
+// The unnormalised synthesis the inverse transform computes, at sample t:
+// X[0] + (−1)^t X[N] + Σ_{k=1}^{N−1} (Re X[k] cos(πkt/N) − Im X[k] sin(πkt/N)).
+inline long double synthesis(const std::vector<std::complex<double>>& bins, int t) {
+    const int n = static_cast<int>(bins.size()) - 1;
+    const auto& r = roots(n);
+    long double sum = bins[0].real() + ((t & 1) ? -1.0L : 1.0L) * bins[n].real();
+    for (int k = 1; k < n; ++k) {
+        const LongComplex& w = r[static_cast<size_t>(static_cast<int64_t>(k) * t % (2 * n))];
+        sum += bins[k].real() * w.real() - bins[k].imag() * w.imag();
+    }
+    return sum;
+}
+
+inline std::vector<double> randomSignal(size_t count, uint32_t seed) {
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::vector<double> x(count);
+    for (double& v : x) v = u(rng);
+    return x;
+}
+
+inline void writeSignal(const std::vector<double>& x, int n, double* buffer) {
+    for (int t = 0; t < 2 * n; ++t) buffer[dsp::sampleEntry(n, t)] = x[t];
+}
+
+inline std::vector<double> readSignal(const double* buffer, int n) {
+    std::vector<double> x(2 * static_cast<size_t>(n));
+    for (int t = 0; t < 2 * n; ++t) x[t] = buffer[dsp::sampleEntry(n, t)];
+    return x;
+}
+
+// Bin k (0..N) of a packed spectrum.
+inline std::complex<double> readBin(const double* spectrum, int n, int k) {
+    if (k == 0) return {spectrum[0], 0.0};
+    if (k == n) return {spectrum[1], 0.0};
+    const int p = dsp::spectrumPairOfBin(n, k);
+    return {spectrum[2 * p], spectrum[2 * p + 1]};
+}
+
+inline void writeBin(double* spectrum, int n, int k, std::complex<double> value) {
+    if (k == 0) {
+        spectrum[0] = value.real();
+    } else if (k == n) {
+        spectrum[1] = value.real();
+    } else {
+        const int p = dsp::spectrumPairOfBin(n, k);
+        spectrum[2 * p] = value.real();
+        spectrum[2 * p + 1] = value.imag();
+    }
+}
+
+// Accumulates sqrt(Σ|got − want|² / Σ|want|²).
+class RelativeRms {
+public:
+    void add(std::complex<long double> got, std::complex<long double> want) {
+        error_ += std::norm(got - want);
+        reference_ += std::norm(want);
+    }
+    void add(long double got, long double want) { add(std::complex<long double>(got), std::complex<long double>(want)); }
+    double value() const { return static_cast<double>(std::sqrt(error_ / reference_)); }
+
+private:
+    long double error_ = 0, reference_ = 0;
+};
+
+inline std::vector<dsp::FftFamily> allFamilies() {
+    return {dsp::FftFamily::Scalar, dsp::FftFamily::Sse2, dsp::FftFamily::Avx2};
+}
+
+}  // namespace fft_test

@@ -1,0 +1,239 @@
+// The four operations of every family at every frame size, against the definitions.
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <tuple>
+
+#include "dsp/AlignedBuffer.h"
+#include "dsp/Fft.h"
+#include "FftTestSupport.h"
+
+namespace {
+
+using dsp::AlignedBuffer;
+using dsp::Fft;
+using dsp::FftFamily;
+using namespace fft_test;
+
+constexpr double kMaxRelativeRms = 1e-13;
+
+class FftAtSize : public ::testing::TestWithParam<std::tuple<FftFamily, int>> {
+protected:
+    void SetUp() override {
+        if (!dsp::fftFamilyUsable(family())) GTEST_SKIP() << "this processor cannot run " << dsp::fftFamilyName(family());
+    }
+    FftFamily family() const { return std::get<0>(GetParam()); }
+    int n() const { return std::get<1>(GetParam()); }
+    Fft fft() const { return Fft(family()); }
+
+    // Every bin for the smallest size; a few hundred random ones (and both ends) for the
+    // others, where the direct sums would take minutes.
+    std::vector<int> binsToCheck() const {
+        std::vector<int> bins;
+        if (n() == 4096) {
+            for (int k = 0; k <= n(); ++k) bins.push_back(k);
+        } else {
+            std::mt19937 rng(n());
+            std::uniform_int_distribution<int> pick(1, n() - 1);
+            bins = {0, 1, 2, 3, n() / 2, n() - 1, n()};
+            for (int i = 0; i < 300; ++i) bins.push_back(pick(rng));
+        }
+        return bins;
+    }
+};
+
+TEST_P(FftAtSize, ForwardMatchesDirectDft) {
+    const std::vector<double> x = randomSignal(2 * n(), 11);
+    AlignedBuffer buffer(2 * n());
+    writeSignal(x, n(), buffer.data());
+    fft().forward(buffer.data(), n());
+
+    RelativeRms error;
+    for (int k : binsToCheck()) {
+        const std::complex<double> got = readBin(buffer.data(), n(), k);
+        error.add(std::complex<long double>(got.real(), got.imag()), dftBin(x, k));
+    }
+    EXPECT_LE(error.value(), kMaxRelativeRms);
+}
+
+TEST_P(FftAtSize, InverseMatchesDirectSynthesis) {
+    const std::vector<double> values = randomSignal(2 * n(), 12);
+    std::vector<std::complex<double>> bins(n() + 1);
+    for (int k = 0; k <= n(); ++k) bins[k] = {values[2 * k % (2 * n())], (k == 0 || k == n()) ? 0.0 : values[2 * k + 1]};
+    AlignedBuffer buffer(2 * n());
+    for (int k = 0; k <= n(); ++k) writeBin(buffer.data(), n(), k, bins[k]);
+    fft().inverse(buffer.data(), n());
+
+    RelativeRms error;
+    for (int t : binsToCheck()) {  // as sample indexes: the same spread over 0..N
+        error.add(buffer[dsp::sampleEntry(n(), t)], synthesis(bins, t));
+        error.add(buffer[dsp::sampleEntry(n(), 2 * n() - 1 - t)], synthesis(bins, 2 * n() - 1 - t));
+    }
+    EXPECT_LE(error.value(), kMaxRelativeRms);
+}
+
+TEST_P(FftAtSize, UnitImpulseTransformsToAllOnes) {
+    AlignedBuffer buffer(2 * n());
+    buffer[0] = 1.0;
+    fft().forward(buffer.data(), n());
+    for (int p = 0; p < n(); ++p) {
+        ASSERT_EQ(buffer[2 * p], 1.0) << "pair " << p;
+        ASSERT_EQ(buffer[2 * p + 1], p == 0 ? 1.0 : 0.0) << "pair " << p;
+    }
+}
+
+TEST_P(FftAtSize, ForwardScaleInverseRestoresSignal) {
+    const std::vector<double> x = randomSignal(2 * n(), 13);
+    AlignedBuffer buffer(2 * n());
+    writeSignal(x, n(), buffer.data());
+    const Fft f = fft();
+    f.forward(buffer.data(), n());
+    f.scale(buffer.data(), n());
+    f.inverse(buffer.data(), n());
+    RelativeRms error;
+    for (int t = 0; t < 2 * n(); ++t) error.add(buffer[dsp::sampleEntry(n(), t)], x[t]);
+    EXPECT_LE(error.value(), kMaxRelativeRms);
+}
+
+// inverse(multiply(forward(x), scale(forward(k)))) against the circular convolution summed
+// directly. The signal is short and sits across the buffer's end, so the sum wraps round; the
+// kernel has N + 1 taps, the length the engine uses.
+TEST_P(FftAtSize, ProductOfSpectraIsCircularConvolution) {
+    const int two = 2 * n();
+    const int length = 300, start = two - 150;
+    const std::vector<double> shortSignal = randomSignal(length, 14);
+    const std::vector<double> taps = randomSignal(n() + 1, 15);
+    std::vector<double> x(two, 0.0), k(two, 0.0);
+    for (int i = 0; i < length; ++i) x[(start + i) % two] = shortSignal[i];
+    for (int i = 0; i <= n(); ++i) k[i] = taps[i];
+
+    AlignedBuffer data(two), kernel(two);
+    writeSignal(x, n(), data.data());
+    writeSignal(k, n(), kernel.data());
+    const Fft f = fft();
+    f.forward(kernel.data(), n());
+    f.scale(kernel.data(), n());
+    f.forward(data.data(), n());
+    f.multiply(data.data(), kernel.data(), n());
+    f.inverse(data.data(), n());
+
+    std::vector<long double> direct(two, 0.0L);
+    for (int i = 0; i < length; ++i)
+        for (int j = 0; j <= n(); ++j) direct[(start + i + j) % two] += static_cast<long double>(shortSignal[i]) * taps[j];
+    RelativeRms error;
+    for (int t = 0; t < two; ++t) error.add(data[dsp::sampleEntry(n(), t)], direct[t]);
+    EXPECT_LE(error.value(), kMaxRelativeRms);
+}
+
+// A frame holding one unit sample at 0, convolved with a kernel of N + 1 taps, is the kernel
+// itself: taps 0..N − 1 in the even entries, tap N in entry 1, the rest zero.
+TEST_P(FftAtSize, UnitFrameConvolvedWithKernelIsTheKernel) {
+    const std::vector<double> taps = randomSignal(n() + 1, 16);
+    AlignedBuffer frame(2 * n()), kernel(2 * n());
+    for (int i = 0; i <= n(); ++i) kernel[dsp::sampleEntry(n(), i)] = taps[i];
+    frame[0] = 1.0;
+    const Fft f = fft();
+    f.forward(kernel.data(), n());
+    f.scale(kernel.data(), n());
+    f.forward(frame.data(), n());
+    f.multiply(frame.data(), kernel.data(), n());
+    f.inverse(frame.data(), n());
+    for (int i = 0; i < n(); ++i) ASSERT_NEAR(frame[2 * i], taps[i], 1e-14) << "tap " << i;
+    EXPECT_NEAR(frame[1], taps[n()], 1e-14);
+    for (int t = 1; t < n(); ++t) ASSERT_NEAR(frame[2 * t + 1], 0.0, 1e-14) << "sample " << n() + t;
+}
+
+TEST_P(FftAtSize, MultiplyBothGivesTheTwoMultiplies) {
+    const std::vector<double> a = randomSignal(2 * n(), 17), b = randomSignal(2 * n(), 18);
+    const std::vector<double> ka = randomSignal(2 * n(), 19), kb = randomSignal(2 * n(), 20);
+    AlignedBuffer a1(2 * n()), b1(2 * n()), a2(2 * n()), b2(2 * n()), kA(2 * n()), kB(2 * n()), both(4 * n());
+    for (int e = 0; e < 2 * n(); ++e) a1[e] = a2[e] = a[e], b1[e] = b2[e] = b[e], kA[e] = ka[e], kB[e] = kb[e];
+    dsp::interleaveSpectra(kA.data(), kB.data(), both.data(), n());
+    const Fft f = fft();
+    f.multiply(a1.data(), kA.data(), n());
+    f.multiply(b1.data(), kB.data(), n());
+    f.multiplyBoth(a2.data(), b2.data(), both.data(), n());
+    EXPECT_EQ(std::memcmp(a1.data(), a2.data(), sizeof(double) * 2 * n()), 0);
+    EXPECT_EQ(std::memcmp(b1.data(), b2.data(), sizeof(double) * 2 * n()), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFamilyAndSize, FftAtSize,
+                         ::testing::Combine(::testing::ValuesIn(allFamilies()), ::testing::ValuesIn(dsp::kFftSizes)),
+                         [](const auto& info) {
+                             return std::string(dsp::fftFamilyName(std::get<0>(info.param))) + "_" +
+                                    std::to_string(std::get<1>(info.param));
+                         });
+
+TEST(FftScale, HalvesTheRealBinsAgainstTheOthers) {
+    for (FftFamily family : allFamilies()) {
+        if (!dsp::fftFamilyUsable(family)) continue;
+        const Fft f(family);
+        for (int n : dsp::kFftSizes) {
+            AlignedBuffer buffer(2 * n);
+            for (int e = 0; e < 2 * n; ++e) buffer[e] = 1.0;
+            f.scale(buffer.data(), n);
+            EXPECT_EQ(buffer[0], 1.0 / (2 * n));
+            EXPECT_EQ(buffer[1], 1.0 / (2 * n));
+            for (int e = 2; e < 2 * n; ++e) ASSERT_EQ(buffer[e], 1.0 / n);
+        }
+        AlignedBuffer small(2 * 4096);
+        small[0] = small[2] = 1.0;
+        f.scale(small.data(), 4096);
+        EXPECT_EQ(small[0], 0.0001220703125);
+        EXPECT_EQ(small[2], 1.0 / 4096);
+    }
+}
+
+TEST(FftDispatch, UnknownSizeLeavesTheBufferUntouched) {
+    const int entries = 2 * dsp::kMaxFftSize + 8;
+    const std::vector<double> original = randomSignal(entries, 21);
+    AlignedBuffer buffer(entries), other(entries), kernels(2 * entries);
+    for (FftFamily family : allFamilies()) {
+        const Fft f(family);
+        for (int n : {0, -4096, 1, 2048, 4095, 4097, 12288, 65536}) {
+            for (int e = 0; e < entries; ++e) buffer[e] = other[e] = original[e];
+            f.forward(buffer.data(), n);
+            f.inverse(buffer.data(), n);
+            f.scale(buffer.data(), n);
+            f.multiply(buffer.data(), original.data(), n);
+            f.multiplyBoth(buffer.data(), other.data(), kernels.data(), n);
+            EXPECT_EQ(std::memcmp(buffer.data(), original.data(), sizeof(double) * entries), 0) << "N = " << n;
+            EXPECT_EQ(std::memcmp(other.data(), original.data(), sizeof(double) * entries), 0) << "N = " << n;
+        }
+    }
+}
+
+// Every usable family gives the plain family's numbers, bit for bit, for each operation.
+TEST(FftFamilies, AgreeBitForBit) {
+    const Fft plain(FftFamily::Scalar);
+    for (FftFamily family : allFamilies()) {
+        if (family == FftFamily::Scalar || !dsp::fftFamilyUsable(family)) continue;
+        const Fft simd(family);
+        for (int n : dsp::kFftSizes) {
+            const std::vector<double> x = randomSignal(2 * n, 22), k = randomSignal(2 * n, 23);
+            AlignedBuffer a(2 * n), b(2 * n), ka(2 * n), kb(2 * n);
+            for (int e = 0; e < 2 * n; ++e) a[e] = b[e] = x[e], ka[e] = kb[e] = k[e];
+            const auto same = [&](const char* step) {
+                EXPECT_EQ(std::memcmp(a.data(), b.data(), sizeof(double) * 2 * n), 0)
+                    << dsp::fftFamilyName(family) << " N = " << n << " after " << step;
+            };
+            plain.forward(a.data(), n), simd.forward(b.data(), n), same("forward");
+            plain.forward(ka.data(), n), simd.forward(kb.data(), n);
+            plain.scale(ka.data(), n), simd.scale(kb.data(), n);
+            plain.multiply(a.data(), ka.data(), n), simd.multiply(b.data(), kb.data(), n), same("multiply");
+            plain.scale(a.data(), n), simd.scale(b.data(), n), same("scale");
+            plain.inverse(a.data(), n), simd.inverse(b.data(), n), same("inverse");
+        }
+    }
+}
+
+TEST(FftFamilies, ThePreferredFamilyRunsHere) {
+    EXPECT_TRUE(dsp::fftFamilyUsable(FftFamily::Scalar));
+    EXPECT_TRUE(dsp::fftFamilyUsable(dsp::preferredFftFamily()));
+    EXPECT_EQ(Fft().family(), dsp::preferredFftFamily());
+}
+
+}  // namespace

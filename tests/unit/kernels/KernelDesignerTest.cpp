@@ -1,0 +1,265 @@
+// The linear-phase kernels against their definition: the windowed autocorrelation of each
+// side's cascade, whose spectrum is |H|² up to a bound computed here from the exact response.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <memory>
+
+#include "KernelTestSupport.h"
+#include "dsp/KernelDesigner.h"
+#include "platform/TimedLock.h"
+
+namespace {
+
+using dsp::KernelBuild;
+using dsp::KernelCurves;
+using dsp::KernelDesigner;
+using namespace kernel_test;
+
+class KernelDesignerTest : public ::testing::Test {
+protected:
+    KernelBuild build(KernelDesigner& d, const SectionSet& set, int n, double rate, bool linPhase = true,
+                      KernelCurves* curves = nullptr) {
+        return d.buildKernels(set.s, n, rate, linPhase, processLock, engineLock, curves);
+    }
+    platform::TimedLock processLock, engineLock;
+};
+
+// ---- Shape of the kernel ---------------------------------------------------------------------
+
+// All bands flat: the autocorrelation of a unit impulse, one tap of weight 1 at N/2 and
+// nothing else, at every frame size, one after the other in the same designer (so each size
+// also gets its own window).
+TEST_F(KernelDesignerTest, FlatBandsGiveOneUnitTapAtTheCentre) {
+    KernelDesigner d;
+    for (int n : {8192, 4096, 32768, 16384}) {
+        ASSERT_EQ(build(d, SectionSet(), n, 44100.0), KernelBuild::Built);
+        ASSERT_EQ(d.activeFrameSize(), n);
+        for (int side = 0; side < dsp::kSides; ++side) {
+            const std::vector<double> taps = activeTaps(d, side, n);
+            for (int t = 0; t < 2 * n; ++t) ASSERT_NEAR(taps[t], t == n / 2 ? 1.0 : 0.0, 1e-14) << "N " << n << " tap " << t;
+        }
+    }
+}
+
+// N + 1 taps, symmetric about N/2, nothing beyond tap N; equivalently the kernel spectrum
+// times i^k is real at every bin k (a pure delay of N/2 and no other phase).
+TEST_F(KernelDesignerTest, TapsAreSymmetricAboutTheCentre) {
+    const int n = 4096;
+    SectionSet set;
+    set.with(0, shelf(false, 200, 4, 0.7, 44100)).with(3, peaking(2500, -7, 3, 44100)).with(9, firstOrderLowPass(3000, 44100));
+    KernelDesigner d;
+    ASSERT_EQ(build(d, set, n, 44100.0), KernelBuild::Built);
+    for (int side = 0; side < dsp::kSides; ++side) {
+        const std::vector<double> taps = activeTaps(d, side, n);
+        for (int t = 0; t <= n / 2; ++t) ASSERT_NEAR(taps[t], taps[n - t], 1e-15) << "side " << side << " tap " << t;
+        for (int t = n + 1; t < 2 * n; ++t) ASSERT_NEAR(taps[t], 0.0, 1e-15) << "side " << side << " sample " << t;
+
+        const double* spectrum = d.activeKernel(side);
+        for (int k = 1; k < n; ++k) {
+            const int p = dsp::spectrumPairOfBin(n, k);
+            const std::complex<double> aligned = std::complex<double>(spectrum[2 * p], spectrum[2 * p + 1]) *
+                                                 std::polar(1.0, M_PI / 2 * (k % 4));
+            ASSERT_NEAR(aligned.imag(), 0.0, 1e-15) << "side " << side << " bin " << k;
+        }
+    }
+}
+
+// ---- Magnitude -------------------------------------------------------------------------------
+
+// A peaking band: N·|kernel spectrum| at every bin lies within spectrumBound() of the band's
+// |H|², evaluated here from the section's definition; and the bound is small against the
+// peak, so the check has teeth. The same for a soloed band (all others flat): the kernel
+// depends on that band alone, whichever slot carries it.
+TEST_F(KernelDesignerTest, SpectrumFollowsTheBandsSquaredMagnitude) {
+    const double rate = 44100.0;
+    for (int n : {4096, 8192}) {
+        SectionSet set;
+        set.with(2, peaking(1000, 12, 2, rate)).with(8 + 5, shelf(true, 5000, -6, 0.7, rate));
+        KernelDesigner d;
+        ASSERT_EQ(build(d, set, n, rate), KernelBuild::Built);
+        for (int side = 0; side < dsp::kSides; ++side) {
+            const long double bound = spectrumBound(set.s, side, n);
+            EXPECT_LT(bound, 0.01L * (side == 0 ? sidePower(set.s, 0, 2 * kPi * 1000 / rate) : 1.0L))
+                << "the bound must be far below the response to mean anything";
+            const double* spectrum = d.activeKernel(side);
+            for (int k = 1; k < n; ++k) {
+                const int p = dsp::spectrumPairOfBin(n, k);
+                const long double got = n * std::hypot(spectrum[2 * p], spectrum[2 * p + 1]);
+                const long double want = sidePower(set.s, side, kPi * k / n);
+                ASSERT_NEAR(static_cast<double>(got), static_cast<double>(want), static_cast<double>(bound) + 1e-12)
+                    << "N " << n << " side " << side << " bin " << k;
+            }
+        }
+        // Peak of +24 dB (two sections of +12 dB) at 1 kHz.
+        const int k1k = static_cast<int>(std::lround(1000.0 * 2 * n / rate));
+        const int p = dsp::spectrumPairOfBin(n, k1k);
+        EXPECT_NEAR(20 * std::log10(n * std::hypot(d.activeKernel(0)[2 * p], d.activeKernel(0)[2 * p + 1])), 24.0, 0.05);
+    }
+}
+
+TEST_F(KernelDesignerTest, ASoloedBandBuildsFromThatBandAlone) {
+    const int n = 4096;
+    const double rate = 48000.0;
+    const dsp::BiquadCoefficients band = peaking(700, -9, 1.2, rate);
+    KernelDesigner inSlot3, inSlot7;
+    ASSERT_EQ(build(inSlot3, SectionSet().with(2, band).with(8 + 2, band), n, rate), KernelBuild::Built);
+    ASSERT_EQ(build(inSlot7, SectionSet().with(6, band).with(8 + 6, band), n, rate), KernelBuild::Built);
+    SectionSet alone;
+    alone.with(2, band);
+    const long double bound = spectrumBound(alone.s, 0, n);
+    for (int side = 0; side < dsp::kSides; ++side) {
+        const double* a = inSlot3.activeKernel(side);
+        const double* b = inSlot7.activeKernel(side);
+        for (int k = 1; k < n; ++k) {
+            const int p = dsp::spectrumPairOfBin(n, k);
+            ASSERT_NEAR(a[2 * p], b[2 * p], 1e-15) << "bin " << k;
+            ASSERT_NEAR(a[2 * p + 1], b[2 * p + 1], 1e-15) << "bin " << k;
+            const long double want = std::norm(response(band, kPi * k / n));
+            ASSERT_NEAR(n * std::hypot(a[2 * p], a[2 * p + 1]), static_cast<double>(want), static_cast<double>(bound) + 1e-12);
+        }
+    }
+}
+
+// ---- Display curve ---------------------------------------------------------------------------
+
+// The measured curve against the sum of the bands' analytic curves, Σ_b 20·log10 |H_b(f)|²,
+// at every grid point where the kernel resolves the response. Each grid point interpolates the
+// power |G|² of the two 65536-point bins around it. With the bound B of spectrumBound() on
+// |G − P| (P = Π|H_b|²), |G² − P²| ≤ B·(2P + B) at each bin, so in dB the curve may lie
+// 10·log10(1 + B(2P + B)/P²) from the truth. The linear interpolation between bins R/65536 Hz
+// apart (0.7 Hz) adds ~(0.7/Δf)²/8 of relative error against features Δf ≥ 100 Hz wide, below
+// 1e-5: 1e-3 dB covers it and the float rounding. "Resolves" means B·(2P + B)/P² ≤ 1 % there:
+// deep in a cut, the window's leakage (which B measures) is what the curve shows, not P.
+TEST_F(KernelDesignerTest, DisplayCurveFollowsTheSummedBandCurves) {
+    // Frame sizes as the engine pairs them with the rates (FAT doubles both).
+    for (auto [rate, n] : {std::pair{44100.0, 8192}, std::pair{48000.0, 8192}, std::pair{96000.0, 16384}}) {
+        SectionSet set;
+        set.with(0, shelf(false, 150, 4, 0.7, rate))
+            .with(4, peaking(1000, -6, 1.4, rate))
+            .with(7, shelf(true, 6000, 3, 0.7, rate))
+            .with(8 + 1, peaking(300, 5, 0.7, rate))
+            .with(8 + 6, firstOrderLowPass(4000, rate));
+        KernelDesigner d;
+        KernelCurves curves{};
+        ASSERT_EQ(build(d, set, n, rate, true, &curves), KernelBuild::Built);
+        for (int side = 0; side < dsp::kSides; ++side) {
+            const long double bound = spectrumBound(set.s, side, n);
+            int checked = 0;
+            for (int i = 0; i < dsp::kPlotPoints; ++i) {
+                const long double p = sidePower(set.s, side, 2 * kPi * dsp::plotFrequency(i) / rate);
+                const long double relative = bound * (2 * p + bound) / (p * p);
+                if (relative > 0.01L) continue;
+                ++checked;
+                long double sum = 0;
+                for (int b = 0; b < dsp::kBandsPerSide; ++b)
+                    sum += 20 * std::log10(std::norm(response(set.s[side * 8 + b], 2 * kPi * dsp::plotFrequency(i) / rate)));
+                const double tolerance = static_cast<double>(10 * std::log10(1 + relative)) + 1e-3;
+                ASSERT_NEAR(curves.side[side][i], static_cast<double>(sum), tolerance)
+                    << "rate " << rate << " side " << side << " point " << i << " (" << dsp::plotFrequency(i) << " Hz)";
+            }
+            // Side B's low-pass leaves only its stopband above ~9 kHz out.
+            EXPECT_GT(checked, 350) << "rate " << rate << " side " << side;
+        }
+    }
+}
+
+// The plot's +24 dB peak of a single band shows at the band's frequency, whether the kernel
+// fills the display transform (N = 32768) or has to be moved into its layout (N < 32768).
+TEST_F(KernelDesignerTest, DisplayCurvePeaksAtTheBand) {
+    const double rate = 48000.0;
+    for (int n : {4096, 32768}) {
+        KernelDesigner d;
+        KernelCurves curves{};
+        ASSERT_EQ(build(d, SectionSet().with(3, peaking(2000, 12, 4, rate)), n, rate, true, &curves), KernelBuild::Built);
+        int top = 0;
+        for (int i = 1; i < dsp::kPlotPoints; ++i)
+            if (curves.side[0][i] > curves.side[0][top]) top = i;
+        EXPECT_NEAR(dsp::plotFrequency(top), 2000.0, 2000.0 * 0.008) << "N " << n;  // within half a grid step
+        EXPECT_NEAR(curves.side[0][top], 24.0, 0.1) << "N " << n;
+        for (int i = 0; i < dsp::kPlotPoints; ++i) ASSERT_NEAR(curves.side[1][i], 0.0, 1e-4) << "flat side, point " << i;
+    }
+}
+
+TEST_F(KernelDesignerTest, DisplayTablesBracketEachGridFrequency) {
+    const dsp::KernelDisplay display;
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(44100.0), 0);
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(48000.0), 1);
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(88200.0), 2);
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(96000.0), 3);
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(32000.0), 0);
+    EXPECT_EQ(dsp::KernelDisplay::rateIndexFor(192000.0), 0);
+    for (int r = 0; r < dsp::KernelDisplay::kRateCount; ++r) {
+        for (int i = 0; i < dsp::kPlotPoints; ++i) {
+            const double x = dsp::plotFrequency(i) * 65536 / dsp::KernelDisplay::kRates[r];
+            const auto& b = display.bracket(r, i);
+            ASSERT_EQ(dsp::binOfSpectrumPair(32768, b.lowEntry / 2), static_cast<int>(std::floor(x)));
+            ASSERT_EQ(dsp::binOfSpectrumPair(32768, b.highEntry / 2), static_cast<int>(std::floor(x)) + 1);
+            ASSERT_DOUBLE_EQ(b.fraction, x - std::floor(x));
+        }
+    }
+}
+
+// ---- Modes and the audio path's side ---------------------------------------------------------
+
+TEST_F(KernelDesignerTest, LinPhaseOffMakesClearedKernelsActiveAndMeasuresNothing) {
+    KernelDesigner d;
+    ASSERT_EQ(build(d, SectionSet().with(1, peaking(500, 6, 1, 44100)), 4096, 44100.0), KernelBuild::Built);
+    KernelCurves curves;
+    for (auto& side : curves.side)
+        for (float& v : side) v = 123.0f;
+    ASSERT_EQ(build(d, SectionSet().with(1, peaking(500, 6, 1, 44100)), 8192, 44100.0, false, &curves), KernelBuild::Cleared);
+    EXPECT_EQ(d.activeFrameSize(), 8192);
+    for (int side = 0; side < dsp::kSides; ++side) {
+        for (int e = 0; e < 2 * 8192; ++e) ASSERT_EQ(d.activeKernel(side)[e], 0.0);
+        for (float v : curves.side[side]) ASSERT_EQ(v, 123.0f);
+    }
+}
+
+TEST_F(KernelDesignerTest, MultiplyRefusesAFrameSizeWithoutAnActiveKernel) {
+    KernelDesigner d;
+    dsp::AlignedBuffer frame(2 * 8192), other(2 * 8192);
+    for (int e = 0; e < 2 * 8192; ++e) frame[e] = other[e] = e;
+    EXPECT_FALSE(d.multiplyByActiveKernel(0, frame.data(), 4096)) << "nothing built yet";
+    ASSERT_EQ(build(d, SectionSet(), 4096, 44100.0), KernelBuild::Built);
+    EXPECT_FALSE(d.multiplyByActiveKernel(0, frame.data(), 8192));
+    EXPECT_FALSE(d.multiplyBothSides(frame.data(), other.data(), 8192));
+    EXPECT_FALSE(d.multiplyByActiveKernel(2, frame.data(), 4096));
+    for (int e = 0; e < 2 * 8192; ++e) ASSERT_EQ(frame[e], e);
+    EXPECT_EQ(build(d, SectionSet(), 6000, 44100.0), KernelBuild::Refused);
+    EXPECT_EQ(d.activeFrameSize(), 4096);
+    EXPECT_FALSE(d.rebuildPending());
+}
+
+// Both sides at once give the same numbers as each side alone, in every family; and the
+// families build identical kernels and curves.
+TEST_F(KernelDesignerTest, FamiliesAndMultipliesAgreeBitForBit) {
+    const int n = 8192;
+    const double rate = 48000.0;
+    SectionSet set;
+    set.with(0, peaking(90, 5, 0.8, rate)).with(8 + 4, shelf(true, 3000, -5, 0.9, rate));
+    KernelDesigner plain(dsp::FftFamily::Scalar);
+    KernelCurves plainCurves{};
+    ASSERT_EQ(build(plain, set, n, rate, true, &plainCurves), KernelBuild::Built);
+    for (dsp::FftFamily family : {dsp::FftFamily::Scalar, dsp::FftFamily::Sse2, dsp::FftFamily::Avx2}) {
+        if (!dsp::fftFamilyUsable(family)) continue;
+        KernelDesigner d(family);
+        KernelCurves curves{};
+        ASSERT_EQ(build(d, set, n, rate, true, &curves), KernelBuild::Built);
+        for (int side = 0; side < dsp::kSides; ++side) {
+            EXPECT_EQ(std::memcmp(d.activeKernel(side), plain.activeKernel(side), sizeof(double) * 2 * n), 0);
+            EXPECT_EQ(std::memcmp(curves.side[side], plainCurves.side[side], sizeof(dsp::Curve)), 0);
+        }
+        dsp::AlignedBuffer a1(2 * n), b1(2 * n), a2(2 * n), b2(2 * n);
+        for (int e = 0; e < 2 * n; ++e) a1[e] = a2[e] = std::sin(0.1 * e), b1[e] = b2[e] = std::cos(0.3 * e);
+        ASSERT_TRUE(d.multiplyByActiveKernel(0, a1.data(), n));
+        ASSERT_TRUE(d.multiplyByActiveKernel(1, b1.data(), n));
+        ASSERT_TRUE(d.multiplyBothSides(a2.data(), b2.data(), n));
+        EXPECT_EQ(std::memcmp(a1.data(), a2.data(), sizeof(double) * 2 * n), 0) << dsp::fftFamilyName(family);
+        EXPECT_EQ(std::memcmp(b1.data(), b2.data(), sizeof(double) * 2 * n), 0) << dsp::fftFamilyName(family);
+    }
+}
+
+}  // namespace
