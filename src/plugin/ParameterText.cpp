@@ -127,7 +127,7 @@ void Plugin::currentText(int index, char* text) {
         }
         return;
     }
-    const int k = (index >= 0 && index < kUsedParameters) ? steps[index] : 0;
+    const int k = (index >= 0 && index < kUsedParameters) ? static_cast<int>(steps[index]) : 0;
     switch (index) {
         case kPower: case kFat: case kLinPhase: case kAutoZoom: pick(text, kOnOff, k, nullptr); break;
         case kLrMs: pick(text, kLrMsTexts, k, nullptr); break;

@@ -1,5 +1,6 @@
 #include "plugin/Plugin.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <new>
@@ -17,8 +18,6 @@ constexpr int kMinFrameSize = 4096;
 constexpr int kMinRate = 5000;
 constexpr int kMaxRate = 200000;
 constexpr int kFallbackRate = 44100;
-constexpr double kOutputSmoothingHz = 30.0;
-constexpr double kPi = 3.14159265358979323846;
 
 }  // namespace
 
@@ -37,7 +36,8 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     rate = kFallbackRate;
     frameSize = kMinFrameSize;
     partition = 2 * kMinFrameSize;
-    gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+    engine.setHostRate(rate);
+    applyFrameToEngine();
     auditionSelector = kChannelLink;
     auditionBand = -1;
 
@@ -53,11 +53,12 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     }
     for (int side = 0; side < 2; ++side)
         for (int b = 0; b < kBands; ++b) steps[bandIndex(0, side, b)] = kFirstBypassType;
+    refreshActiveBands();
     designRateHz = dsp::designRate(intRate, false, true);
     redesignAllBands();
     channel = steps[kChannel] + 1;
     gainTarget = std::pow(10.0, (values[kOutput] - 0.5) * 24.0 / 20.0);
-    currentGain = gainTarget;
+    engine.setOutputGainTarget(gainTarget);
     suspend();
 
     loadGlobalSettings();
@@ -66,6 +67,7 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     setEditor(pluginEditor);
     restoreStartupState();
     selectPreset(0);
+    updateReportedDelay();
 }
 
 Plugin::~Plugin() = default;  // the base class deletes the editor
@@ -76,9 +78,15 @@ Plugin::~Plugin() = default;  // the base class deletes the editor
 void Plugin::suspend() {
     platform::TimedLock::Guard guard(engineLock);
     if (!guard) return;
-    resetOutputPeaks();
-    currentGain = gainTarget;
+    // Silence in every delay line and buffer, the gain at its target, the peaks cleared.
+    engine.suspend();
     if (analyzer) analyzer->reset();
+}
+
+void Plugin::resume() {
+    secondInputConnected.store(isInputConnected(1), std::memory_order_relaxed);
+    secondOutputConnected.store(isOutputConnected(1), std::memory_order_relaxed);
+    rebuildIfPending();
 }
 
 void Plugin::setSampleRate(float hostRate) {
@@ -94,8 +102,9 @@ void Plugin::setSampleRate(float hostRate) {
         if (changed) {
             intRate = newRate;
             rate = newRate;
-            gainSmoothing = 1.0 - std::exp(-2.0 * kPi * kOutputSmoothingHz / rate);
+            engine.setHostRate(rate);
         }
+        updateReportedDelay();
         // The analyzer gets the host's own rate: at a rate it has no tables for it goes quiet.
         if (analyzer) analyzer->setSampleRate(hostRate);
     }
@@ -107,8 +116,13 @@ void Plugin::setBlockSize(VstInt32 size) {
     if (!guard) return;
     blockSize = size;
     partition = partitionForBlock(true);
+    applyFrameToEngine();
     suspend();
+    updateReportedDelay();
 }
+
+// The engine hops by half the partition, at its internal rate.
+void Plugin::applyFrameToEngine() { engine.setFrame(frameSize, partition / 2); }
 
 // The engine's partition length from the host block size: twice the block at ordinary rates,
 // less at high rates where the engine runs decimated, twice that with FAT, never more than
@@ -127,10 +141,11 @@ int Plugin::partitionForBlock(bool inclusiveThresholds) const {
 void Plugin::reconfigureFrame() {
     platform::TimedLock::Guard guard(engineLock);
     if (!guard) return;
-    const int resolution = steps[kResolution] < 0 ? 0 : steps[kResolution];
-    const int fat = steps[kFat] < 0 ? 0 : steps[kFat];
+    const int resolution = std::max(0, static_cast<int>(steps[kResolution]));
+    const int fat = std::max(0, static_cast<int>(steps[kFat]));
     frameSize = kMinFrameSize << (resolution + fat);
     partition = partitionForBlock(false);
+    applyFrameToEngine();
     suspend();
 }
 
@@ -185,23 +200,60 @@ VstIntPtr Plugin::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, v
     return CPresetSystemEffect::dispatcher(opcode, index, value, ptr, opt);
 }
 
-// Until the equalizer engine is in place the plug-in passes its input through unchanged.
+// One host block through the engine. Everything the block needs is gathered here, without
+// locks, allocation or calls into the host: the host's pin answers were kept at resume.
 template <typename Sample>
-static void passThrough(Sample** inputs, Sample** outputs, VstInt32 frames) {
-    if (!inputs || !outputs || frames <= 0) return;
-    for (int c = 0; c < 2; ++c) {
-        Sample* in = inputs[c];
-        Sample* out = outputs[c];
-        if (in && out && in != out) std::memmove(out, in, sizeof(Sample) * static_cast<size_t>(frames));
-    }
+void Plugin::processBlock(Sample** inputs, Sample** outputs, VstInt32 frames) {
+    int reported, pathLatency, padding;
+    getLatencyInfo(reported, pathLatency, padding);
+    dsp::AudioBlockSettings s;
+    s.power = steps[kPower] == 1;
+    s.linPhase = steps[kLinPhase] == 1;
+    s.fat = steps[kFat] == 1;
+    s.hostRate = intRate;
+    s.midSide = steps[kLrMs] == 1;
+    const int listen = steps[kListen];
+    s.listen = listen >= 0 && listen <= 2 ? listen : 0;
+    s.compensation = padding;
+    s.analyzerWeightA = analyzerWeights[0];
+    s.analyzerWeightB = analyzerWeights[1];
+    s.feedAnalyzer = analyzerFeedActive();
+    s.activeSlots = activeBands.load(std::memory_order_relaxed);
+    SPAN* span = analyzer.get();
+    engine.process<Sample>(
+        inputs, outputs, frames, secondInputConnected.load(std::memory_order_relaxed),
+        secondOutputConnected.load(std::memory_order_relaxed), s,
+        [this](int slot) { return bandModel.readPublished(slot); }, kernelOps,
+        [span](float x) { span->processSample(x); });
 }
 
 void Plugin::processReplacing(float** inputs, float** outputs, VstInt32 frames) {
-    passThrough(inputs, outputs, frames);
+    processBlock(inputs, outputs, frames);
 }
 
 void Plugin::processDoubleReplacing(double** inputs, double** outputs, VstInt32 frames) {
-    passThrough(inputs, outputs, frames);
+    processBlock(inputs, outputs, frames);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Latency
+
+latency::EngineSettings Plugin::latencySettings() const {
+    return {intRate, frameSize, partition, steps[kFat] == 1, steps[kLinPhase] == 1, steps[kPower] == 1};
+}
+
+void Plugin::getLatencyInfo(int& reported, int& pathLatency, int& padding) const {
+    const latency::Figures f = latency::figures(latencyMode, latencySettings());
+    reported = f.reported;
+    pathLatency = f.pathLatency;
+    padding = f.padding;
+}
+
+// Only the record changes; the host sees it when it next reads the record (at resume).
+void Plugin::updateReportedDelay() { setInitialDelay(latency::initialDelay(latencyMode, latencySettings())); }
+
+void Plugin::getLatencyText(char* text) const {
+    if (text) latency::describe(latencyMode, latencySettings(), text, kLatencyTextSize);
 }
 
 bool Plugin::canParameterBeAutomated(VstInt32 index) {
@@ -308,7 +360,10 @@ void Plugin::setParameter(VstInt32 index, float value) {
                         redesignAllBands();
                     }
                     break;
-                case kOutput: gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0); break;
+                case kOutput:
+                    gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0);
+                    engine.setOutputGainTarget(gainTarget);
+                    break;
                 case kChannel: applyChannel(); break;
                 case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
                 case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
@@ -330,6 +385,7 @@ void Plugin::storeBandValue(int side, int b, BandField field, float value) {
             const int k = quantize(value, kBandTypeSteps);
             steps[bandIndex(kTypeField, side, b)] = k;
             bandModel.setBandType(side, b, k);
+            refreshActiveBands();
             break;
         }
         case kFreqField: bandModel.setFrequency(side, b, 20.0 * std::pow(10.0, 3.0 * static_cast<double>(value))); break;
@@ -460,8 +516,16 @@ bool Plugin::analyzerFeedActive() const {
 }
 
 void Plugin::getOutputPeaks(float& a, float& b) const {
-    a = peaks[0];
-    b = peaks[1];
+    a = engine.peaks().a();
+    b = engine.peaks().b();
 }
 
-void Plugin::resetOutputPeaks() { peaks[0] = peaks[1] = 0.0f; }
+void Plugin::resetOutputPeaks() { engine.peaks().clear(); }
+
+// The minimum-phase path runs only the bands whose type is one of the seven shapes.
+void Plugin::refreshActiveBands() {
+    int types[dsp::kBandSlots];
+    for (int side = 0; side < dsp::kSides; ++side)
+        for (int b = 0; b < kBands; ++b) types[side * kBands + b] = steps[bandIndex(kTypeField, side, b)];
+    activeBands.store(dsp::MinimumPhaseCascade::activeSlots(types), std::memory_order_relaxed);
+}

@@ -2,14 +2,20 @@
 // The effect: where the host boundary, the parameter set, the preset bank and (as they
 // arrive) the engine, the analyzer and the editor meet.
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include <memory>
 
 #include "analyzer/SPAN.h"
+#include "dsp/AudioEngine.h"
 #include "dsp/BandModel.h"
 #include "dsp/KernelDesigner.h"
 #include "platform/TimedLock.h"
+#include "plugin/EngineKernelOps.h"
+#include "plugin/Latency.h"
+#include "plugin/RelaxedAtomic.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/Parameters.h"
 
@@ -26,7 +32,8 @@ public:
 
     // Host boundary.
     void suspend() override;
-    void resume() override { rebuildIfPending(); }
+    // Asks the host once which pins are connected, so the audio thread never has to.
+    void resume() override;
     VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     void setSampleRate(float rate) override;
     void setBlockSize(VstInt32 size) override;
@@ -74,6 +81,15 @@ public:
     // Only stored: the host is told at the next sample-rate or block-size change.
     void setLatencyMode(int mode) { latencyMode = mode; }
 
+    // The delay reported to the host, the processing path's own delay and the padding the
+    // audio path adds so that the two agree, in host samples, for the current settings.
+    void getLatencyInfo(int& reported, int& pathLatency, int& padding) const;
+    // Writes the delay the latency mode reports into the record; hosts read it at resume.
+    void updateReportedDelay();
+    static constexpr size_t kLatencyTextSize = 64;
+    // "(compensated) 24638 samples (558.68 ms)"; text holds kLatencyTextSize bytes.
+    void getLatencyText(char* text) const;
+
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
 
@@ -99,6 +115,9 @@ public:
     int partitionLength() const { return partition; }
     int integerSampleRate() const { return intRate; }
     int inputChannelCount() const { return inputChannels; }
+    // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
+    uint32_t activeBandMask() const { return activeBands.load(std::memory_order_relaxed); }
+    const dsp::AudioEngine& audioEngine() const { return engine; }
     Editor* getPluginEditor() const { return pluginEditor; }
 
 private:
@@ -117,34 +136,44 @@ private:
     void rebuildIfPending();
     int partitionForBlock(bool inclusiveThresholds) const;
     bool previewText(int index, float v, char* text);
+    latency::EngineSettings latencySettings() const;
+    void refreshActiveBands();
+    void applyFrameToEngine();
+    template <typename Sample>
+    void processBlock(Sample** inputs, Sample** outputs, VstInt32 frames);
     void currentText(int index, char* text);
 
     platform::TimedLock engineLock;
     platform::TimedLock designLock;
     platform::TimedLock processLock;
 
+    // Fields that the audio thread reads at the start of every block are relaxed atomics:
+    // parameter, rate and block-size changes arrive on other threads.
     float values[params::kUsedParameters] = {};
-    int steps[params::kUsedParameters] = {};
+    RelaxedAtomic<int> steps[params::kUsedParameters] = {};
     dsp::BandModel bandModel;
     dsp::KernelDesigner kernels;
+    EngineKernelOps kernelOps{kernels, engineLock};
+    dsp::AudioEngine engine;
     std::unique_ptr<SPAN> analyzer;
     double designRateHz = 44100.0;
     int channel = params::kChannelLink;
     double gainTarget = 1.0;
-    double gainSmoothing = 0.0;
-    double currentGain = 1.0;
-    double analyzerWeights[2] = {0.5, 0.5};
+    RelaxedAtomic<double> analyzerWeights[2] = {0.5, 0.5};
     int auditionSelector = params::kChannelLink;
-    int auditionBand = -1;
+    RelaxedAtomic<int> auditionBand = -1;
 
-    int intRate = 44100;
+    RelaxedAtomic<int> intRate = 44100;
     double rate = 44100.0;
-    int frameSize = 4096;
-    int partition = 8192;
+    RelaxedAtomic<int> frameSize = 4096;
+    RelaxedAtomic<int> partition = 8192;
     int inputChannels = 2;
     int outputChannels = 2;
-    float peaks[2] = {0.0f, 0.0f};
+    // Set by resume(), read by the audio thread.
+    std::atomic<bool> secondInputConnected{true};
+    std::atomic<bool> secondOutputConnected{true};
+    std::atomic<uint32_t> activeBands{0};
 
-    int latencyMode = 2;
+    RelaxedAtomic<int> latencyMode = 2;
     Editor* pluginEditor = nullptr;
 };

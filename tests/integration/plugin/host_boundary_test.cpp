@@ -83,32 +83,6 @@ TEST_F(HostBoundary, NullBuffersFromAHostAreRefusedNotDereferenced) {
         EXPECT_EQ(plugin->dispatch(op, 0, 0, nullptr), 0) << op;
 }
 
-TEST_F(HostBoundary, ProcessPassesAudioThroughUnchanged) {
-    constexpr int kFrames = 300;
-    std::vector<float> inL(kFrames), inR(kFrames), outL(kFrames, 9.f), outR(kFrames, 9.f);
-    for (int i = 0; i < kFrames; ++i) {
-        inL[i] = static_cast<float>(i) * 0.001f;
-        inR[i] = -static_cast<float>(i) * 0.002f;
-    }
-    float* in[2] = {inL.data(), inR.data()};
-    float* out[2] = {outL.data(), outR.data()};
-    plugin->resume();
-    plugin->process(in, out, kFrames);
-    EXPECT_EQ(outL, inL);
-    EXPECT_EQ(outR, inR);
-
-    std::vector<double> dL(kFrames, 0.25), dR(kFrames, -0.5), oL(kFrames), oR(kFrames);
-    double* din[2] = {dL.data(), dR.data()};
-    double* dout[2] = {oL.data(), oR.data()};
-    plugin->process(din, dout, kFrames);
-    EXPECT_EQ(oL, dL);
-    EXPECT_EQ(oR, dR);
-
-    // In place, as many hosts process.
-    plugin->process(din, din, kFrames);
-    EXPECT_EQ(dL[17], 0.25);
-}
-
 namespace {
 
 VstIntPtr refusingHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {

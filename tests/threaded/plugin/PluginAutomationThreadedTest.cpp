@@ -1,0 +1,118 @@
+// The plug-in processing on one thread while a second automates band parameters, FAT,
+// Resolution and LinPhase and a third pauses it and changes the block size, as hosts do.
+// Meant to run under ThreadSanitizer: every field the audio thread reads must be handed over
+// without a data race, and the output must stay finite throughout.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "plugin/Plugin.h"
+#include "presets/Parameters.h"
+
+namespace {
+
+VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
+    return opcode == audioMasterVersion ? kVstVersion : 0;
+}
+
+float stepValue(int k, int n) { return (static_cast<float>(k) + 0.5f) / static_cast<float>(n); }
+
+}  // namespace
+
+TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
+    setenv("TYX_VIREO_CONFIG_DIR", "/nonexistent/tyx-vireo-threaded-tests", 0);
+    auto plugin = std::make_unique<Plugin>(&quietHost);
+    plugin->setSampleRate(48000.0f);
+    plugin->setBlockSize(256);
+    plugin->resume();
+
+    std::atomic<bool> stop{false};
+    std::atomic<long> blocks{0};
+    std::atomic<long> nonFinite{0};
+
+    std::thread audio([&] {
+        std::vector<float> inL(256), inR(256), outL(256), outR(256);
+        std::vector<double> dInL(256), dInR(256), dOutL(256), dOutR(256);
+        std::mt19937 rng(1);
+        std::uniform_real_distribution<float> d(-0.5f, 0.5f);
+        while (!stop.load(std::memory_order_relaxed)) {
+            for (int i = 0; i < 256; ++i) {
+                inL[i] = d(rng);
+                inR[i] = d(rng);
+                dInL[i] = inL[i];
+                dInR[i] = inR[i];
+            }
+            const long k = blocks.fetch_add(1, std::memory_order_relaxed);
+            if (k % 2 == 0) {
+                float* in[2] = {inL.data(), inR.data()};
+                float* out[2] = {outL.data(), outR.data()};
+                plugin->processReplacing(in, out, 256);
+                for (int i = 0; i < 256; ++i)
+                    if (!std::isfinite(outL[i]) || !std::isfinite(outR[i])) nonFinite.fetch_add(1);
+            } else {
+                double* in[2] = {dInL.data(), dInR.data()};
+                double* out[2] = {dOutL.data(), dOutR.data()};
+                plugin->processDoubleReplacing(in, out, 256);
+                for (int i = 0; i < 256; ++i)
+                    if (!std::isfinite(dOutL[i]) || !std::isfinite(dOutR[i])) nonFinite.fetch_add(1);
+            }
+            float a, b;
+            plugin->getOutputPeaks(a, b);
+        }
+    });
+
+    std::thread automation([&] {
+        std::mt19937 rng(2);
+        std::uniform_real_distribution<float> u(0.0f, 1.0f);
+        std::uniform_int_distribution<int> band(0, params::kBands - 1);
+        int round = 0;
+        while (!stop.load(std::memory_order_relaxed)) {
+            const int b = band(rng);
+            plugin->setParameter(params::kType + b, stepValue(rng() % 7, params::kBandTypeSteps));
+            plugin->setParameter(params::kFreq + b, u(rng));
+            plugin->setParameter(params::kQ + b, u(rng));
+            plugin->setParameter(params::kGain + b, u(rng));
+            plugin->setParameter(params::kOutput, u(rng));
+            plugin->setParameter(params::kLrMs, stepValue(rng() % 2, 2));
+            plugin->setParameter(params::kListen, stepValue(rng() % 3, 3));
+            switch (round++ % 3) {
+                case 0: plugin->setParameter(params::kFat, stepValue(rng() % 2, 2)); break;
+                case 1: plugin->setParameter(params::kResolution, stepValue(rng() % 2, 3)); break;
+                default: plugin->setParameter(params::kLinPhase, stepValue(rng() % 2, 2)); break;
+            }
+            plugin->resetOutputPeaks();
+        }
+    });
+
+    std::thread lifecycle([&] {
+        const int sizes[] = {256, 64, 512, 128};
+        int k = 0;
+        while (!stop.load(std::memory_order_relaxed)) {
+            plugin->suspend();
+            plugin->setBlockSize(sizes[k++ % 4]);
+            char text[Plugin::kLatencyTextSize];
+            plugin->getLatencyText(text);
+            plugin->resume();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    });
+
+    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+    while (std::chrono::steady_clock::now() < until && blocks.load() < 4000)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    stop.store(true);
+    audio.join();
+    automation.join();
+    lifecycle.join();
+
+    EXPECT_GT(blocks.load(), 10);
+    EXPECT_EQ(nonFinite.load(), 0);
+}
