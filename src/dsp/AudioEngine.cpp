@@ -2,8 +2,8 @@
 
 namespace dsp {
 
-AudioEngine::AudioEngine(int maxFrameSize, int maxCompensation)
-    : frame_(pack(4096, 4096)), convolver_(maxFrameSize), delay_(maxCompensation) {
+AudioEngine::AudioEngine(PathFamily family, int maxFrameSize, int maxCompensation)
+    : family_(family), frame_(pack(4096, 4096)), convolver_(maxFrameSize), delay_(maxCompensation) {
     gain_.setRate(hostRate_.load());
 }
 
@@ -20,13 +20,13 @@ AudioPathKind AudioEngine::pathFor(const AudioBlockSettings& s) {
 }
 
 double AudioEngine::pathDelay(AudioPathKind kind, int frameSize, int hop) {
-    const double convolution = hop + frameSize / 2 - 1;  // at the internal rate
+    const int convolution = hop + frameSize / 2 - 1;  // at the internal rate
     switch (kind) {
         case AudioPathKind::LinearUnity: return convolution;
-        case AudioPathKind::LinearDouble: return convolution / 2.0 + DoubleRateConverter::kDelay;
+        case AudioPathKind::LinearDouble: return DoubleRateConverter::delayAround(convolution);
         case AudioPathKind::LinearHalf: return 2.0 * convolution + HalfRateConverter::kDelay;
         case AudioPathKind::LinearQuarter: return 4.0 * convolution + QuarterRateConverter::kDelay;
-        case AudioPathKind::MinimumDouble: return DoubleRateConverter::kDelay;
+        case AudioPathKind::MinimumDouble: return DoubleRateConverter::delayAround(0);
         default: return 0.0;
     }
 }
@@ -54,6 +54,8 @@ void AudioEngine::beginBlock(AudioPathKind kind, const AudioBlockSettings& s) {
         clearPath(kind);
         path_ = kind;
     }
+    // The ×2 converters take the phase that keeps the path on the host's sample grid.
+    doubleRate_.setInnerDelay(kind == AudioPathKind::LinearDouble ? convolver_.delay() : 0);
 
     delay_.setDelay(s.compensation);
 

@@ -10,10 +10,17 @@
 //   LinPhase on:  FAT off: r < 80000 ×1, r < 170000 ×1/2, else ×1/4
 //                 FAT on:  r < 80000 ×2, r < 170000 ×1,   else ×1/2
 //   LinPhase off: FAT on and r < 80000 ×2, else ×1
-// Delays, with hop and N at the internal rate (converter figures in RateConverters.h):
-//   linear ×1: hop + N/2 − 1; ×2: (hop + N/2 − 1)/2 + 63 (half a sample off the host grid,
-//   since hop + N/2 − 1 is odd); ×1/2: 2·(hop + N/2 − 1) + 126; ×1/4: 4·(hop + N/2 − 1) + 255;
-//   minimum ×1: 0; minimum ×2: 63.
+// Delays, with hop and N at the internal rate and d = hop + N/2 − 1 the convolution's delay
+// (converter figures in RateConverters.h):
+//   linear ×1: d; ×2: d/2 + 62.5 (d is odd whenever hop is even; for an odd hop, d/2 + 63);
+//   ×1/2: 2·d + 126; ×1/4: 4·d + 255; minimum ×1: 0; minimum ×2: 63.
+// Every path delays by a whole number of host samples: an impulse comes out as a peak on one
+// sample, symmetric around it.
+//
+// Routine families. Each path's per-sample loop exists in the plain family (each side with
+// scalar arithmetic) and the SSE2 family (both sides in one register), chosen once at
+// construction and bit-identical in their results (SidePair.h); a block runs one compile-time
+// instance of the loop for its path, family and sample type.
 //
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
@@ -34,6 +41,7 @@
 #include "dsp/PathConvolver.h"
 #include "dsp/PathPeakHold.h"
 #include "dsp/RateConverters.h"
+#include "dsp/SidePair.h"
 
 namespace dsp {
 
@@ -56,15 +64,18 @@ struct AudioBlockSettings {
 
 class AudioEngine {
 public:
-    // Allocates every buffer for the largest frame and delay.
+    // Allocates every buffer for the largest frame and delay. The routine family is the one
+    // this machine runs best unless one is named.
     explicit AudioEngine(int maxFrameSize = PathConvolver::kMaxFrameSize,
+                         int maxCompensation = CompensationDelay::kMaxDelay)
+        : AudioEngine(defaultPathFamily(), maxFrameSize, maxCompensation) {}
+    explicit AudioEngine(PathFamily family, int maxFrameSize = PathConvolver::kMaxFrameSize,
                          int maxCompensation = CompensationDelay::kMaxDelay);
     AudioEngine(const AudioEngine&) = delete;
     AudioEngine& operator=(const AudioEngine&) = delete;
 
     static AudioPathKind pathFor(const AudioBlockSettings& s);
-    // The path's own delay in host samples (fractional for linear ×2), for a frame of N and a
-    // hop at the internal rate.
+    // The path's own delay in host samples, for a frame of N and a hop at the internal rate.
     static double pathDelay(AudioPathKind kind, int frameSize, int hop);
 
     // ---- Any thread; each takes effect at the start of the next block --------------------
@@ -98,6 +109,7 @@ public:
                  PathConvolutionOps& ops, Feed&& feed);
 
     // Audio-thread state, for tests and diagnostics.
+    PathFamily family() const { return family_; }
     AudioPathKind currentPath() const { return path_; }
     double currentGain() const { return gain_.current(); }
     const PathConvolver& convolver() const { return convolver_; }
@@ -110,17 +122,34 @@ private:
     void clearAll();
     void clearPath(AudioPathKind kind);
 
+    // The block's loop for its path, in the engine's family.
     template <AudioPathKind Kind, typename Sample, class Feed>
+    void runIn(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
+               PathConvolutionOps& ops, Feed& feed) {
+        if (family_ == PathFamily::Sse2) run<Kind, Sse2Pair>(io, frames, s, ms, ops, feed);
+        else run<Kind, PlainPair>(io, frames, s, ms, ops, feed);
+    }
+
+    template <AudioPathKind Kind, class P, typename Sample, class Feed>
     void run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
              PathConvolutionOps& ops, Feed& feed);
 
     // The equalizer at the internal rate, one sample of each side.
-    template <bool Linear>
-    void equalize(double& a, double& b, PathConvolutionOps& ops) {
-        if constexpr (Linear) convolver_.process(a, b, ops);
-        else cascade_.process(a, b);
+    template <bool Linear, class P>
+    P equalize(P x, PathConvolutionOps& ops) {
+        if constexpr (Linear) {
+            // The convolver returns each side through memory. The two values are kept apart
+            // there, so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte
+            // stores cannot be forwarded from the store buffer and would stall every sample.
+            double sides[3] = {x.a(), 0.0, x.b()};
+            convolver_.process(sides[0], sides[2], ops);
+            return P::make(sides[0], sides[2]);
+        } else {
+            return cascade_.process(x);
+        }
     }
 
+    const PathFamily family_;
     std::atomic<double> hostRate_{44100.0};
     std::atomic<double> gainTarget_{1.0};
     std::atomic<int64_t> frame_;
@@ -157,95 +186,85 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
     const MidSide ms = MidSide::choose(settings.midSide, io.stereo);
 
     switch (kind) {
-        case AudioPathKind::Bypass: run<AudioPathKind::Bypass>(io, frames, settings, ms, ops, feed); break;
-        case AudioPathKind::LinearUnity: run<AudioPathKind::LinearUnity>(io, frames, settings, ms, ops, feed); break;
-        case AudioPathKind::LinearDouble: run<AudioPathKind::LinearDouble>(io, frames, settings, ms, ops, feed); break;
-        case AudioPathKind::LinearHalf: run<AudioPathKind::LinearHalf>(io, frames, settings, ms, ops, feed); break;
-        case AudioPathKind::LinearQuarter:
-            run<AudioPathKind::LinearQuarter>(io, frames, settings, ms, ops, feed);
+        case AudioPathKind::Bypass: runIn<AudioPathKind::Bypass>(io, frames, settings, ms, ops, feed); break;
+        case AudioPathKind::LinearUnity: runIn<AudioPathKind::LinearUnity>(io, frames, settings, ms, ops, feed); break;
+        case AudioPathKind::LinearDouble:
+            runIn<AudioPathKind::LinearDouble>(io, frames, settings, ms, ops, feed);
             break;
-        case AudioPathKind::MinimumUnity: run<AudioPathKind::MinimumUnity>(io, frames, settings, ms, ops, feed); break;
+        case AudioPathKind::LinearHalf: runIn<AudioPathKind::LinearHalf>(io, frames, settings, ms, ops, feed); break;
+        case AudioPathKind::LinearQuarter:
+            runIn<AudioPathKind::LinearQuarter>(io, frames, settings, ms, ops, feed);
+            break;
+        case AudioPathKind::MinimumUnity:
+            runIn<AudioPathKind::MinimumUnity>(io, frames, settings, ms, ops, feed);
+            break;
         case AudioPathKind::MinimumDouble:
-            run<AudioPathKind::MinimumDouble>(io, frames, settings, ms, ops, feed);
+            runIn<AudioPathKind::MinimumDouble>(io, frames, settings, ms, ops, feed);
             break;
     }
 }
 
-template <AudioPathKind Kind, typename Sample, class Feed>
+template <AudioPathKind Kind, class P, typename Sample, class Feed>
 void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
                       PathConvolutionOps& ops, Feed& feed) {
     constexpr bool kLinear = Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::LinearDouble ||
                              Kind == AudioPathKind::LinearHalf || Kind == AudioPathKind::LinearQuarter;
     const ListenFactors listen = ListenFactors::forListen(s.listen);
-    const double factorA = ms.h * listen.a;
-    const double factorB = ms.h * listen.b;
+    const P factors = P::make(ms.h * listen.a, ms.h * listen.b);
+    const P weights = P::make(s.analyzerWeightA, s.analyzerWeightB);
     const bool auditioning = audition_.active();
     const bool feeding = s.feedAnalyzer;
-    const double wA = s.analyzerWeightA, wB = s.analyzerWeightB;
-    double peakA = 0.0, peakB = 0.0;
+    const bool gainSettled = gain_.settled();
+    P peak = P::zero();
 
     for (int i = 0; i < frames; ++i) {
         const double xL = io.in[0][i];
         const double xR = io.in[1][i];
-        const double g = gain_.next();
-        double a, b;
+        const double g = gainSettled ? gain_.current() : gain_.next();
+        P x;
 
         if constexpr (Kind == AudioPathKind::Bypass) {
-            a = xL;
-            b = xR;
-            delay_.process(a, b);
+            x = delay_.process(P::make(xL, xR));
         } else {
-            ms.encode(xL, xR, a, b);
+            x = ms.template encode<P>(xL, xR);
             if constexpr (Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::MinimumUnity) {
-                equalize<kLinear>(a, b, ops);
+                x = equalize<kLinear>(x, ops);
             } else if constexpr (Kind == AudioPathKind::LinearDouble || Kind == AudioPathKind::MinimumDouble) {
-                double ia[2], ib[2];
-                doubleRate_.up(a, b, ia, ib);
-                equalize<kLinear>(ia[0], ib[0], ops);
-                equalize<kLinear>(ia[1], ib[1], ops);
-                doubleRate_.down(ia, ib, a, b);
+                P inner[2];
+                doubleRate_.up(x, inner);
+                inner[0] = equalize<kLinear>(inner[0], ops);
+                inner[1] = equalize<kLinear>(inner[1], ops);
+                x = doubleRate_.down(inner);
             } else if constexpr (Kind == AudioPathKind::LinearHalf) {
-                double ia, ib;
-                if (halfRate_.down(a, b, ia, ib)) {
-                    equalize<true>(ia, ib, ops);
-                    halfRate_.up(ia, ib);
-                }
-                halfRate_.out(a, b);
+                P inner;
+                if (halfRate_.down(x, inner)) halfRate_.up(equalize<true>(inner, ops));
+                x = halfRate_.template out<P>();
             } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
-                double ia, ib;
-                if (quarterRate_.down(a, b, ia, ib)) {
-                    equalize<true>(ia, ib, ops);
-                    quarterRate_.up(ia, ib);
-                }
-                quarterRate_.out(a, b);
+                P inner;
+                if (quarterRate_.down(x, inner)) quarterRate_.up(equalize<true>(inner, ops));
+                x = quarterRate_.template out<P>();
             }
-            a *= g * factorA;
-            b *= g * factorB;
-            delay_.process(a, b);
+            x = delay_.process(x * (P::splat(g) * factors));
         }
 
         if (!auditioning) {
-            if (feeding) feed(static_cast<float>(wA * a + wB * b));
-            if constexpr (Kind == AudioPathKind::Bypass) {
-                io.out[0][i] = static_cast<Sample>(a);
-                io.out[1][i] = static_cast<Sample>(b);
-            } else {
-                double l, r;
-                ms.decode(a, b, l, r);
-                io.out[0][i] = static_cast<Sample>(l);
-                io.out[1][i] = static_cast<Sample>(r);
+            if (feeding) {
+                const P w = weights * x;
+                feed(static_cast<float>(w.a() + w.b()));
             }
+            const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
+            io.out[0][i] = static_cast<Sample>(y.a());
+            io.out[1][i] = static_cast<Sample>(y.b());
         } else {
             const double yL = audition_.process<Sample>(0, xL);
             const double yR = audition_.process<Sample>(1, xR);
-            if (feeding) feed(static_cast<float>(wA * yL + wB * yR));
+            if (feeding) feed(static_cast<float>(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
             io.out[0][i] = static_cast<Sample>(yL * g);
             io.out[1][i] = static_cast<Sample>(yR * g);
         }
-        PathPeakHold::track(peakA, a);
-        PathPeakHold::track(peakB, b);
+        PathPeakHold::trackPair(peak, x);
     }
-    peaks_.raise(peakA, peakB);
+    peaks_.raise(peak.a(), peak.b());
 }
 
 }  // namespace dsp

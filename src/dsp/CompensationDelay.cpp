@@ -5,15 +5,12 @@
 namespace dsp {
 
 CompensationDelay::CompensationDelay(int maxDelay)
-    : maxDelay_(std::max(0, maxDelay)),
-      ringA_(static_cast<size_t>(maxDelay_) + 1, 0.0),
-      ringB_(static_cast<size_t>(maxDelay_) + 1, 0.0) {}
+    : maxDelay_(std::max(0, maxDelay)), ring_(2 * (static_cast<size_t>(maxDelay_) + 1)) {}
 
 void CompensationDelay::setDelay(int samples) { delay_ = std::clamp(samples, 0, maxDelay_); }
 
 void CompensationDelay::clear() {
-    std::fill(ringA_.begin(), ringA_.end(), 0.0);
-    std::fill(ringB_.begin(), ringB_.end(), 0.0);
+    ring_.clear();
     index_ = 0;
 }
 

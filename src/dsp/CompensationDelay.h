@@ -1,9 +1,10 @@
 #pragma once
 // The delay that pads the path's own latency up to what the host was told, for both sides at
-// once: two rings of doubles that share one write index. Allocated once, for the largest
-// delay any setting can ask for; the per-sample call never allocates, locks or waits.
+// once: one ring of (A, B) pairs. Allocated once, for the largest delay any setting can ask
+// for; the per-sample call never allocates, locks or waits.
 
-#include <vector>
+#include "dsp/AlignedBuffer.h"
+#include "dsp/SidePair.h"
 
 namespace dsp {
 
@@ -21,25 +22,28 @@ public:
     int delay() const { return delay_; }
     int maxDelay() const { return maxDelay_; }
 
-    // Writes a and b at the write index, advances it (wrapping to 0 after D) and replaces a
-    // and b with the values read at the new index: the inputs of D samples ago.
-    void process(double& a, double& b) {
-        ringA_[index_] = a;
-        ringB_[index_] = b;
+    // Writes the pair at the write index, advances it (wrapping to 0 after D) and returns the
+    // pair read at the new index: the inputs of D samples ago.
+    template <class P>
+    P process(P x) {
+        x.store(&ring_[2 * static_cast<size_t>(index_)]);
         if (++index_ > delay_) index_ = 0;
-        a = ringA_[index_];
-        b = ringB_[index_];
+        return P::load(&ring_[2 * static_cast<size_t>(index_)]);
+    }
+    void process(double& a, double& b) {
+        const PlainPair x = process(PlainPair::make(a, b));
+        a = x.a();
+        b = x.b();
     }
 
-    // Silence in both rings and the index at 0 (after a pause).
+    // Silence in the ring and the index at 0 (after a pause).
     void clear();
 
 private:
     int maxDelay_;
     int delay_ = 0;
     int index_ = 0;
-    std::vector<double> ringA_;
-    std::vector<double> ringB_;
+    AlignedBuffer ring_;  // D + 1 pairs in use
 };
 
 }  // namespace dsp

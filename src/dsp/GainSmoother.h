@@ -3,6 +3,7 @@
 // that automation and knob moves never step the signal.
 
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 namespace dsp {
@@ -27,15 +28,28 @@ public:
 
     // One step: g += (target − g)·k, kept out of the denormal range as it settles.
     double next() {
-        gain_ += (target_ - gain_) * k_;
-        gain_ = (gain_ + 1e-30) - 1e-30;
+        gain_ = step(gain_);
         return gain_;
+    }
+
+    // Whether the gain has settled for good: a step leaves it exactly as it is, and so does
+    // every step after it while the target stays. The audio path then uses current() instead
+    // of next() for a whole block, which gives the same numbers without the step's chain of
+    // dependent operations on every sample.
+    bool settled() const {
+        const double g = step(gain_);
+        return std::memcmp(&g, &gain_, sizeof g) == 0;
     }
 
     // The linear gain of the Output parameter's normalized value v: 10^((v − 0.5)·24 / 20).
     static double targetFromParameter(double v) { return std::pow(10.0, (v - 0.5) * kRangeDb / 20.0); }
 
 private:
+    double step(double g) const {
+        g += (target_ - g) * k_;
+        return (g + 1e-30) - 1e-30;
+    }
+
     double k_ = 0.0;
     double target_ = 1.0;
     double gain_ = 1.0;

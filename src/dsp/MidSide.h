@@ -3,6 +3,8 @@
 // left/right as they are, or mid/side when the switch asks for it and the host really gave two
 // separate channels each way. Also the listen function, which mutes one side on output.
 
+#include "dsp/SidePair.h"
+
 namespace dsp {
 
 // The host's channel buffers as the path uses them: a second buffer that is not connected is
@@ -46,6 +48,18 @@ struct MidSide {
     void decode(double a, double b, double& left, double& right) const {
         left = a - m * b;
         right = b + m * a;
+    }
+
+    // The same on a pair: (L, R) + m·(R, −L) and (A, B) + m·(−B, A). Adding m·(−y) rounds
+    // exactly as subtracting m·y, so these equal the forms above bit for bit.
+    template <class P>
+    P encode(double left, double right) const {
+        const P x = P::make(left, right);
+        return x + P::splat(m) * x.crossedBack();
+    }
+    template <class P>
+    P decode(P x) const {
+        return x + P::splat(m) * x.crossed();
     }
 };
 

@@ -7,10 +7,18 @@
 // model's lock-free view (or anything else that yields a BiquadCoefficients per slot) serves.
 // A switched-off band is skipped; its state is cleared, so it starts from rest when it comes
 // back on.
+//
+// Both sides run in one pass over stages: stage p holds the p-th active band of side A and the
+// p-th active band of side B, as the two sides of a pair (SidePair.h), so that the SSE2 family
+// filters both with one instruction stream. Where one side has more active bands than the
+// other, the stages beyond the shorter side's last band still compute both sides (the missing
+// band has zero coefficients), and the shorter side's value from before them is kept: each
+// side goes through exactly its own bands, in order, whatever the family.
 
 #include <cstdint>
 
 #include "dsp/EqTypes.h"
+#include "dsp/SidePair.h"
 
 namespace dsp {
 
@@ -31,71 +39,108 @@ public:
     // BiquadCoefficients. Allocation-free; the reader decides whether it is lock-free.
     template <class Reader>
     void load(Reader&& reader, uint32_t activeSlots) {
+        if (activeSlots != wasActive_) regroup(activeSlots);
         for (int side = 0; side < kSides; ++side) {
-            Side& s = sides_[side];
-            s.count = 0;
-            for (int band = 0; band < kBandsPerSide; ++band) {
-                const int slot = side * kBandsPerSide + band;
-                const bool on = (activeSlots >> slot) & 1u;
-                if (!on) {
-                    if (wasActive_ & (1u << slot)) clearSlot(slot);
-                    continue;
-                }
-                const BiquadCoefficients c = reader(slot);
-                s.run[s.count++] = slot;
-                coefficients_[slot] = c;
+            for (int p = 0; p < count_[side]; ++p) {
+                const BiquadCoefficients c = reader(slot_[side][p]);
+                Stage& st = stages_[p];
+                st.b0[side] = c.b0;
+                st.b1[side] = c.b1;
+                st.b2[side] = c.b2;
+                st.a1[side] = c.a1;
+                st.a2[side] = c.a2;
             }
         }
-        wasActive_ = activeSlots;
     }
 
     // One sample of each side through its active bands.
+    template <class P>
+    P process(P x) {
+        for (int p = 0; p < paired_; ++p) x = band(stages_[p], x);
+        if (paired_ == longest_) return x;
+        const P shorterDone = x;
+        for (int p = paired_; p < longest_; ++p) x = band(stages_[p], x);
+        return longerSide_ == 0 ? P::sides(x, shorterDone) : P::sides(shorterDone, x);
+    }
     void process(double& a, double& b) {
-        a = runSide(sides_[0], a);
-        b = runSide(sides_[1], b);
+        const PlainPair y = process(PlainPair::make(a, b));
+        a = y.a();
+        b = y.b();
     }
 
     // All sections at rest (after a pause).
     void clear() {
-        for (int slot = 0; slot < kBandSlots; ++slot) clearSlot(slot);
+        for (Stage& st : stages_) clearStates(st);
     }
 
 private:
-    struct State {
-        double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
-    };
-    struct Side {
-        int run[kBandsPerSide] = {};
-        int count = 0;
+    enum { kX1, kX2, kY1, kY2, kStateCount };
+    // Stage p: the coefficients and states of both sides' p-th active band, [side] in each.
+    struct alignas(16) Stage {
+        double b0[kSides], b1[kSides], b2[kSides], a1[kSides], a2[kSides];
+        double state[kSectionsPerBand][kStateCount][kSides];
     };
 
-    static double section(const BiquadCoefficients& c, State& s, double x) {
-        double y = c.b0 * x + c.b1 * s.x1 + c.b2 * s.x2 - c.a1 * s.y1 - c.a2 * s.y2;
-        y = (y + 1e-30) - 1e-30;  // a decaying tail never reaches the denormal range
-        s.x2 = s.x1;
-        s.x1 = x;
-        s.y2 = s.y1;
-        s.y1 = y;
+    template <class P>
+    static P section(const Stage& c, double (&s)[kStateCount][kSides], P x) {
+        const P x1 = P::load(s[kX1]), x2 = P::load(s[kX2]), y1 = P::load(s[kY1]), y2 = P::load(s[kY2]);
+        P y = P::load(c.b0) * x + P::load(c.b1) * x1 + P::load(c.b2) * x2 - P::load(c.a1) * y1 - P::load(c.a2) * y2;
+        y = (y + P::splat(1e-30)) - P::splat(1e-30);  // a decaying tail never reaches the denormal range
+        x1.store(s[kX2]);
+        x.store(s[kX1]);
+        y1.store(s[kY2]);
+        y.store(s[kY1]);
         return y;
     }
 
-    double runSide(const Side& side, double x) {
-        for (int i = 0; i < side.count; ++i) {
-            const int slot = side.run[i];
-            const BiquadCoefficients& c = coefficients_[slot];
-            x = section(c, states_[slot][0], x);
-            x = section(c, states_[slot][1], x);
+    template <class P>
+    static P band(Stage& st, P x) {
+        x = section(st, st.state[0], x);
+        return section(st, st.state[1], x);
+    }
+
+    static void clearStates(Stage& st) {
+        for (auto& sectionState : st.state)
+            for (auto& v : sectionState) v[0] = v[1] = 0.0;
+    }
+
+    // A new set of active slots: the bands that stay on keep their state and move to their new
+    // stage; the ones switched off are cleared; the ones switched on start from rest.
+    void regroup(uint32_t activeSlots) {
+        double kept[kBandSlots][kSectionsPerBand][kStateCount] = {};
+        for (int side = 0; side < kSides; ++side)
+            for (int p = 0; p < count_[side]; ++p)
+                for (int k = 0; k < kSectionsPerBand; ++k)
+                    for (int v = 0; v < kStateCount; ++v) kept[slot_[side][p]][k][v] = stages_[p].state[k][v][side];
+
+        for (Stage& st : stages_) {
+            clearStates(st);
+            for (int side = 0; side < kSides; ++side)
+                st.b0[side] = st.b1[side] = st.b2[side] = st.a1[side] = st.a2[side] = 0.0;
         }
-        return x;
+        for (int side = 0; side < kSides; ++side) {
+            count_[side] = 0;
+            for (int band = 0; band < kBandsPerSide; ++band) {
+                const int slot = side * kBandsPerSide + band;
+                if (!((activeSlots >> slot) & 1u)) continue;
+                const int p = count_[side]++;
+                slot_[side][p] = slot;
+                for (int k = 0; k < kSectionsPerBand; ++k)
+                    for (int v = 0; v < kStateCount; ++v) stages_[p].state[k][v][side] = kept[slot][k][v];
+            }
+        }
+        paired_ = count_[0] < count_[1] ? count_[0] : count_[1];
+        longest_ = count_[0] < count_[1] ? count_[1] : count_[0];
+        longerSide_ = count_[0] < count_[1] ? 1 : 0;
+        wasActive_ = activeSlots;
     }
 
-    void clearSlot(int slot) {
-        for (State& st : states_[slot]) st = State{};
-    }
-
-    BiquadCoefficients coefficients_[kBandSlots];
-    State states_[kBandSlots][kSectionsPerBand];
-    Side sides_[kSides];
+    Stage stages_[kBandsPerSide] = {};
+    int slot_[kSides][kBandsPerSide] = {};  // the slot of each side's p-th active band
+    int count_[kSides] = {};
+    int paired_ = 0;      // stages where both sides have a band
+    int longest_ = 0;     // stages where at least one side has a band
+    int longerSide_ = 0;  // the side with bands in stages paired_..longest_ − 1
     uint32_t wasActive_ = 0;
 };
 

@@ -32,6 +32,11 @@ public:
         const double ax = std::fabs(x);
         if (ax > m) m = ax;
     }
+    // The same for both sides at once, on a pair of SidePair.h.
+    template <class P>
+    static void trackPair(P& m, P x) {
+        m = P::max(x.abs(), m);
+    }
 
 private:
     static void raiseOne(std::atomic<float>& p, float v) {

@@ -41,20 +41,21 @@ constexpr double kQuarterBandTaps[kQuarterBandPairs] = {
 };
 
 
-constexpr std::array<double, kHalfBandPairs> makeHalfBand() {
-    std::array<double, kHalfBandPairs> t{};
-    for (int i = 0; i < kHalfBandPairs; ++i) t[i] = 2.0 * kHalfBandTaps[i];
+// The taps as the converters use them, each stored as a pair (c, c) for both sides, scaled
+// by the conversion factor so that the interpolators' centre weight is 1 and each of their
+// polyphase phases has (close to) unity gain. Half-band: the odd taps doubled, outermost
+// first. Quarter-band: the listed taps ×4, outermost first, and the interpolator's three
+// fractional phases, 64 taps each.
+
+template <int Count>
+constexpr PairedTaps<Count> paired(const double (&taps)[Count], double factor) {
+    PairedTaps<Count> t{};
+    for (int i = 0; i < Count; ++i) t.c[2 * i] = t.c[2 * i + 1] = factor * taps[i];
     return t;
 }
 
 // Offsets 127, 126, 125, 123, …: every offset from 127 down to 1 that is not a multiple of 4.
 constexpr int quarterOffset(int i) { return 127 - (i + i / 3); }
-
-constexpr std::array<double, kQuarterBandPairs> makeQuarterBand() {
-    std::array<double, kQuarterBandPairs> t{};
-    for (int i = 0; i < kQuarterBandPairs; ++i) t[i] = 4.0 * kQuarterBandTaps[i];
-    return t;
-}
 
 // The whole 255-tap filter, ×4, indexed 0..254 with the centre at 127.
 constexpr std::array<double, kQuarterBandLength> makeQuarterBandFull() {
@@ -71,168 +72,124 @@ constexpr std::array<double, kQuarterBandLength> makeQuarterBandFull() {
 // Interpolating by 4 places e[j] at index 4j of the fine grid; the fine sample 4m + p then
 // reads tap p + 4r for e[m − r]. Phases p = 0, 1, 2 are the fractional ones (offsets 1, 2, 3
 // modulo 4 from the centre); p = 3 falls on the centre alone and is the stored sample.
-constexpr std::array<std::array<double, 64>, 3> makeQuarterBandPhases() {
+constexpr std::array<PairedTaps<64>, 3> makeQuarterBandPhases() {
     const auto full = makeQuarterBandFull();
-    std::array<std::array<double, 64>, 3> phases{};
+    std::array<PairedTaps<64>, 3> phases{};
     for (int p = 0; p < 3; ++p)
-        for (int r = 0; r < 64; ++r) phases[p][r] = full[p + 4 * r];
+        for (int r = 0; r < 64; ++r) phases[p].c[2 * r] = phases[p].c[2 * r + 1] = full[p + 4 * r];
     return phases;
 }
 
-// The taps as the converters use them: scaled by the conversion factor, so that the
-// interpolators' centre weight is 1 and each of their polyphase phases has (close to) unity
-// gain. Half-band: the odd taps doubled, outermost first. Quarter-band: the listed taps ×4,
-// outermost first, and the interpolator's three fractional phases, 64 taps each.
-constexpr auto kHalfBand = makeHalfBand();
-constexpr auto kQuarterBand = makeQuarterBand();
+constexpr auto kHalfBand = paired(kHalfBandTaps, 2.0);
+constexpr auto kQuarterBand = paired(kQuarterBandTaps, 4.0);
 constexpr auto kQuarterBandPhases = makeQuarterBandPhases();
 
 static_assert(quarterOffset(0) == 127 && quarterOffset(2) == 125 && quarterOffset(3) == 123);
 static_assert(quarterOffset(kQuarterBandPairs - 1) == 1);
 
-// Σ c[j]·(w[j] + w[last − j]) over the pairs of a symmetric filter's odd phase.
-template <size_t Pairs>
-inline double foldedSum(const std::array<double, Pairs>& c, const double* w, int last) {
-    double s = 0.0;
-    for (size_t j = 0; j < Pairs; ++j) s += c[j] * (w[j] + w[last - static_cast<int>(j)]);
+// The FIR dot product of a symmetric filter, folded: Σ c[i]·(w[lo(i)] + w[last − lo(i)]) over
+// the pairs of window w, added up in tap order.
+template <class P, int Pairs, class Low>
+inline P foldedSum(const PairedTaps<Pairs>& c, const double* w, int last, Low lo) {
+    P s = P::zero();
+    for (int i = 0; i < Pairs; ++i) {
+        const int j = lo(i);
+        s = s + P::load(c.at(i)) * (P::load(w + 2 * j) + P::load(w + 2 * (last - j)));
+    }
     return s;
 }
+
+// Σ c[r]·w[last − r]: one polyphase phase of an interpolator.
+template <class P, int Taps>
+inline P reversedSum(const PairedTaps<Taps>& c, const double* w, int last) {
+    P s = P::zero();
+    for (int r = 0; r < Taps; ++r) s = s + P::load(c.at(r)) * P::load(w + 2 * (last - r));
+    return s;
+}
+
+constexpr auto kEvery = [](int i) { return i; };
 
 }  // namespace
 
 // Ring x[n−63..n]: the taps ±(2j'+1) around the midpoint of x[n−32] and x[n−31] pair
 // window[j] with window[63 − j].
-void HalfBandUpsampler::process(double x, double& first, double& second) {
+template <class P>
+void HalfBandInterpolator::process(P x, P (&out)[2]) {
     ring_.push(x);
     const double* w = ring_.window();
-    first = foldedSum(kHalfBand, w, 63);
-    second = w[32];
+    out[0] = foldedSum<P>(kHalfBand, w, 63, kEvery);
+    out[1] = P::load(w + 2 * 32);
 }
 
-// Even ring u[2n−126..2n] (step 2), odd ring up to u[2n−1]: the output is centred on u[2n−63],
-// 31 pairs back in the odd ring.
-double HalfBandDownsampler::process(double first, double second) {
+// Even ring v[2n−126..2n] (step 2). Centred on the odd side, the odd ring holds up to v[2n−1]
+// and the centre v[2n−63] is 31 pairs back in it. Centred on the even side, the centre v[2n−62]
+// is 31 back in the even ring and the odd ring, with v[2n+1] pushed, holds the taps.
+template <class P>
+P HalfBandDownsampler::process(P first, P second) {
+    const P half = P::splat(0.5);
     even_.push(first);
-    const double centre = odd_.back(31);
-    const double y = 0.5 * (centre + foldedSum(kHalfBand, even_.window(), 63));
+    if (centreOnEven_) {
+        odd_.push(second);
+        return half * (P::load(even_.back(31)) + foldedSum<P>(kHalfBand, odd_.window(), 63, kEvery));
+    }
+    const P y = half * (P::load(odd_.back(31)) + foldedSum<P>(kHalfBand, even_.window(), 63, kEvery));
     odd_.push(second);
     return y;
 }
 
 // Ring x[n−126..n]: centre x[n−63]; the odd offsets from it are the even ring positions,
 // window[2j] paired with window[126 − 2j].
-double HalfBandDecimator::evaluate() const {
+template <class P>
+P HalfBandDecimator::evaluate() const {
     const double* w = ring_.window();
-    double s = 0.0;
-    for (int j = 0; j < kHalfBandPairs; ++j) s += kHalfBand[j] * (w[2 * j] + w[126 - 2 * j]);
-    return 0.5 * (w[63] + s);
-}
-
-void HalfBandInterpolator::process(double e, double& first, double& second) {
-    ring_.push(e);
-    const double* w = ring_.window();
-    first = foldedSum(kHalfBand, w, 63);
-    second = w[32];
+    const P s = foldedSum<P>(kHalfBand, w, 126, [](int j) { return 2 * j; });
+    return P::splat(0.5) * (P::load(w + 2 * 63) + s);
 }
 
 // Ring x[n−254..n]: centre x[n−127]; each listed tap multiplies the two samples at its offset.
-double QuarterBandDecimator::evaluate() const {
+template <class P>
+P QuarterBandDecimator::evaluate() const {
     const double* w = ring_.window();
-    double s = 0.0;
-    for (int i = 0; i < kQuarterBandPairs; ++i) {
-        const int o = quarterOffset(i);
-        s += kQuarterBand[i] * (w[127 - o] + w[127 + o]);
-    }
-    return 0.25 * (w[127] + s);
+    const P s = foldedSum<P>(kQuarterBand, w, 254, [](int i) { return 127 - quarterOffset(i); });
+    return P::splat(0.25) * (P::load(w + 2 * 127) + s);
 }
 
-void QuarterBandInterpolator::process(double e, double (&out)[4]) {
+template <class P>
+void QuarterBandInterpolator::process(P e, P (&out)[4]) {
     ring_.push(e);
-    const double* w = ring_.window();  // w[63 − r] = e[m − r]
-    out[0] = w[31];
-    for (int p = 0; p < 3; ++p) {
-        const auto& c = kQuarterBandPhases[p];
-        double s = 0.0;
-        for (int r = 0; r < 64; ++r) s += c[r] * w[63 - r];
-        out[p + 1] = s;
-    }
+    const double* w = ring_.window();  // pair 63 − r = e[m − r]
+    out[0] = P::load(w + 2 * 31);
+    for (int p = 0; p < 3; ++p) out[p + 1] = reversedSum<P>(kQuarterBandPhases[p], w, 63);
 }
 
-// ---- Stereo converters ---------------------------------------------------------------------
-
-void DoubleRateConverter::clear() {
-    upA_.clear();
-    upB_.clear();
-    downA_.clear();
-    downB_.clear();
-}
+// ---- One side per argument ------------------------------------------------------------------
 
 void DoubleRateConverter::up(double a, double b, double (&outA)[2], double (&outB)[2]) {
-    upA_.process(a, outA[0], outA[1]);
-    upB_.process(b, outB[0], outB[1]);
+    PlainPair inner[2];
+    up(PlainPair::make(a, b), inner);
+    for (int k = 0; k < 2; ++k) {
+        outA[k] = inner[k].a();
+        outB[k] = inner[k].b();
+    }
 }
 
 void DoubleRateConverter::down(const double (&inA)[2], const double (&inB)[2], double& a, double& b) {
-    a = downA_.process(inA[0], inA[1]);
-    b = downB_.process(inB[0], inB[1]);
+    const PlainPair inner[2] = {PlainPair::make(inA[0], inB[0]), PlainPair::make(inA[1], inB[1])};
+    const PlainPair x = down(inner);
+    a = x.a();
+    b = x.b();
 }
 
-void HalfRateConverter::clear() {
-    decA_.clear();
-    decB_.clear();
-    intA_.clear();
-    intB_.clear();
-    for (int i = 0; i < kFactor; ++i) pendingA_[i] = pendingB_[i] = 0.0;
-    phase_ = 0;
-}
+// ---- Both families ---------------------------------------------------------------------------
 
-bool HalfRateConverter::down(double a, double b, double& innerA, double& innerB) {
-    decA_.push(a);
-    decB_.push(b);
-    if (phase_ != 0) return false;
-    innerA = decA_.evaluate();
-    innerB = decB_.evaluate();
-    return true;
-}
-
-void HalfRateConverter::up(double innerA, double innerB) {
-    intA_.process(innerA, pendingA_[0], pendingA_[1]);
-    intB_.process(innerB, pendingB_[0], pendingB_[1]);
-}
-
-void HalfRateConverter::out(double& a, double& b) {
-    a = pendingA_[phase_];
-    b = pendingB_[phase_];
-    if (++phase_ == kFactor) phase_ = 0;
-}
-
-void QuarterRateConverter::clear() {
-    decA_.clear();
-    decB_.clear();
-    intA_.clear();
-    intB_.clear();
-    for (int i = 0; i < kFactor; ++i) pendingA_[i] = pendingB_[i] = 0.0;
-    phase_ = 0;
-}
-
-bool QuarterRateConverter::down(double a, double b, double& innerA, double& innerB) {
-    decA_.push(a);
-    decB_.push(b);
-    if (phase_ != 0) return false;
-    innerA = decA_.evaluate();
-    innerB = decB_.evaluate();
-    return true;
-}
-
-void QuarterRateConverter::up(double innerA, double innerB) {
-    intA_.process(innerA, pendingA_);
-    intB_.process(innerB, pendingB_);
-}
-
-void QuarterRateConverter::out(double& a, double& b) {
-    a = pendingA_[phase_];
-    b = pendingB_[phase_];
-    if (++phase_ == kFactor) phase_ = 0;
-}
+#define TYX_CONVERTERS_FOR(P)                                                  \
+    template void HalfBandInterpolator::process<P>(P, P(&)[2]);                \
+    template P HalfBandDownsampler::process<P>(P, P);                          \
+    template P HalfBandDecimator::evaluate<P>() const;                         \
+    template P QuarterBandDecimator::evaluate<P>() const;                      \
+    template void QuarterBandInterpolator::process<P>(P, P(&)[4]);
+TYX_CONVERTERS_FOR(PlainPair)
+TYX_CONVERTERS_FOR(Sse2Pair)
+#undef TYX_CONVERTERS_FOR
 
 }  // namespace dsp

@@ -8,7 +8,9 @@
 // half-band filter for the factor 2 and a 255-tap quarter-band filter for the factor 4, each
 // run in polyphase form so that no product with a zero tap or a stuffed zero is computed.
 // Every converter is fixed-size state (no allocation at all) and its per-sample calls are
-// allocation-, lock- and I/O-free.
+// allocation-, lock- and I/O-free. Both sides go through one converter: its rings hold (A, B)
+// pairs, and each per-sample call is a template over the pair type of SidePair.h, so the plain
+// and the SSE2 family share the state and compute the same numbers.
 //
 // Delays, in host samples, with nothing between the two halves (an identity at the inner
 // rate):
@@ -17,6 +19,8 @@
 //   ×1/4 then ×4 (QuarterRateConverter):     255   (127 in each half, plus one host sample
 //                                                   of hand-over; see QuarterRateConverter)
 // A processing delay of d inner-rate samples adds d/2, 2·d and 4·d host samples respectively.
+// For the factor 2 with an odd d, d/2 would fall between two host samples; the downsampler
+// then takes its other phase, half an inner sample earlier (DoubleRateConverter::setInnerDelay).
 //
 // Passband: the half-band filter is flat to ±0.011 dB up to 0.22 of its rate (±0.0055 dB up to
 // 0.15) and 6 dB down at a quarter of it; a converter pair passes the square of that. The
@@ -24,104 +28,109 @@
 // more than 100 dB down from 0.14 on. Both are used with their taps as designed: the ripple is
 // centred on unity, which a stricter DC normalisation would only shift to one side.
 
+
 #include <array>
-#include <cstddef>
+
+#include "dsp/SidePair.h"
 
 namespace dsp {
 
 inline constexpr int kHalfBandLength = 127;     // taps of the half-band filter
 inline constexpr int kQuarterBandLength = 255;  // taps of the quarter-band filter
 
-// ---- A ring of the last Size values, readable as one contiguous window ---------------------
+// ---- A ring of the last Size (A, B) pairs, readable as one contiguous window ---------------
 
 template <int Size>
-class HistoryRing {
+class PairRing {
 public:
     void clear() {
         data_.fill(0.0);
         pos_ = 0;
     }
-    void push(double x) {
-        data_[pos_] = x;
-        data_[pos_ + Size] = x;
+    template <class P>
+    void push(P x) {
+        x.store(&data_[2 * pos_]);
+        x.store(&data_[2 * (pos_ + Size)]);
         if (++pos_ == Size) pos_ = 0;
     }
-    // The window, oldest first: window()[0] is the value pushed Size − 1 pushes ago and
-    // window()[Size − 1] the newest.
-    const double* window() const { return data_.data() + pos_; }
-    // The value pushed `age` pushes before the newest (age 0 = newest).
-    double back(int age) const { return data_[pos_ + Size - 1 - age]; }
+    // The window, oldest first, as interleaved pairs: pair j at window() + 2j; pair 0 was
+    // pushed Size − 1 pushes ago, pair Size − 1 is the newest.
+    const double* window() const { return &data_[2 * pos_]; }
+    // The pair pushed `age` pushes before the newest (age 0 = newest).
+    const double* back(int age) const { return &data_[2 * (pos_ + Size - 1 - age)]; }
 
 private:
-    std::array<double, 2 * Size> data_{};  // every value twice, so a window never wraps
+    alignas(16) std::array<double, 4 * Size> data_{};  // every pair twice, so a window never wraps
     int pos_ = 0;
 };
 
-// ---- ×2: host → 2·host → host, for the equalizer at twice the host rate ------------------
+// ---- The filters, one (A, B) pair per call -------------------------------------------------
 
-// One host sample becomes two samples at twice the rate. The first is the half-band value
-// between the ring's two middle samples, the second the newer of those two samples itself.
-class HalfBandUpsampler {
+// One sample becomes two samples at twice the rate: first the half-band value between the
+// ring's two middle samples, then the newer of those two samples itself. The up half of both
+// the ×2 and the ×1/2 converter.
+class HalfBandInterpolator {
 public:
     void clear() { ring_.clear(); }
-    void process(double x, double& first, double& second);
+    template <class P>
+    void process(P x, P (&out)[2]);
 
 private:
-    HistoryRing<64> ring_;
+    PairRing<64> ring_;
 };
 
-// Two samples at twice the rate become one host sample. The half-band filter is centred on
-// the odd sample 63 samples (at twice the rate) before the newest even one; the newest odd
-// sample waits for the next call, which is what aligns this half with HalfBandUpsampler to a
-// whole number of host samples.
+// Two samples at twice the rate, v[2n] and v[2n + 1], become one host sample. The half-band
+// filter is centred either on the odd sample v[2n − 63] (the newest odd sample waits for the
+// next call), which aligns this half with HalfBandInterpolator to a whole number of host
+// samples when the processing between them delays by an even number of samples; or on the
+// even sample v[2n − 62], with the odd taps reaching v[2n + 1], for an odd processing delay.
 class HalfBandDownsampler {
 public:
     void clear() {
         even_.clear();
         odd_.clear();
     }
-    double process(double first, double second);
+    void setCentreOnEven(bool onEven) { centreOnEven_ = onEven; }
+    bool centreOnEven() const { return centreOnEven_; }
+    template <class P>
+    P process(P first, P second);
 
 private:
-    HistoryRing<64> even_;  // the first sample of each pair
-    HistoryRing<64> odd_;   // the second sample of each pair
+    PairRing<64> even_;  // the first sample of each pair
+    PairRing<64> odd_;   // the second sample of each pair
+    bool centreOnEven_ = false;
 };
-
-// ---- ×1/2: host → host/2 → host ------------------------------------------------------------
 
 // Every second host sample, the half-band filter over the last 127 host samples.
 class HalfBandDecimator {
 public:
+    static constexpr int kFactor = 2;
     void clear() { ring_.clear(); }
-    void push(double x) { ring_.push(x); }
-    double evaluate() const;
+    template <class P>
+    void push(P x) {
+        ring_.push(x);
+    }
+    template <class P>
+    P evaluate() const;
 
 private:
-    HistoryRing<kHalfBandLength> ring_;
+    PairRing<kHalfBandLength> ring_;
 };
-
-// One sample at half the host rate becomes two host samples: first the half-band value
-// between the ring's two middle samples, then the newer of those two itself.
-class HalfBandInterpolator {
-public:
-    void clear() { ring_.clear(); }
-    void process(double e, double& first, double& second);
-
-private:
-    HistoryRing<64> ring_;
-};
-
-// ---- ×1/4: host → host/4 → host ------------------------------------------------------------
 
 // Every fourth host sample, the quarter-band filter over the last 255 host samples.
 class QuarterBandDecimator {
 public:
+    static constexpr int kFactor = 4;
     void clear() { ring_.clear(); }
-    void push(double x) { ring_.push(x); }
-    double evaluate() const;
+    template <class P>
+    void push(P x) {
+        ring_.push(x);
+    }
+    template <class P>
+    P evaluate() const;
 
 private:
-    HistoryRing<kQuarterBandLength> ring_;
+    PairRing<kQuarterBandLength> ring_;
 };
 
 // One sample at a quarter of the host rate becomes four host samples: the stored sample
@@ -130,73 +139,118 @@ private:
 class QuarterBandInterpolator {
 public:
     void clear() { ring_.clear(); }
-    void process(double e, double (&out)[4]);
+    template <class P>
+    void process(P e, P (&out)[4]);
 
 private:
-    HistoryRing<64> ring_;
+    PairRing<64> ring_;
 };
 
-// ---- Stereo converters with their phase, as the audio path drives them --------------------
+// ---- ×2: host → 2·host → host, for the equalizer at twice the host rate ------------------
 
 // Per host sample: up() gives the two inner-rate pairs to process, in order; down() takes the
 // two processed pairs and gives the host-rate pair.
 class DoubleRateConverter {
 public:
-    static constexpr int kDelay = 63;  // host samples, up and down together
+    static constexpr int kDelay = 63;  // host samples, up and down together, around an identity
 
-    void clear();
+    // The delay in host samples of the pair around processing that delays by `innerDelay`
+    // samples at twice the rate, with the phase setInnerDelay() picks for it: always whole.
+    static constexpr int delayAround(int innerDelay) {
+        return innerDelay % 2 == 0 ? innerDelay / 2 + kDelay : (innerDelay + 2 * kDelay - 1) / 2;
+    }
+    // Chooses the downsampler's phase for the processing delay between the halves.
+    void setInnerDelay(int innerDelay) { down_.setCentreOnEven(innerDelay % 2 != 0); }
+
+    void clear() {
+        up_.clear();
+        down_.clear();
+    }
+    template <class P>
+    void up(P x, P (&inner)[2]) {
+        up_.process(x, inner);
+    }
+    template <class P>
+    P down(const P (&inner)[2]) {
+        return down_.process(inner[0], inner[1]);
+    }
+
+    // The same, one side per argument.
     void up(double a, double b, double (&outA)[2], double (&outB)[2]);
     void down(const double (&inA)[2], const double (&inB)[2], double& a, double& b);
 
 private:
-    HalfBandUpsampler upA_, upB_;
-    HalfBandDownsampler downA_, downB_;
+    HalfBandInterpolator up_;
+    HalfBandDownsampler down_;
 };
 
-// Per host sample, in this order:
-//   if (c.down(a, b, innerA, innerB)) { process the inner pair; c.up(innerA, innerB); }
-//   c.out(a, b);
-// down() returns true on every second host sample (the first one after clear()).
-class HalfRateConverter {
-public:
-    static constexpr int kFactor = 2;
-    static constexpr int kDelay = 126;  // host samples, down and up together
+// ---- ×1/2 and ×1/4: host → host/Factor → host ----------------------------------------------
 
-    void clear();
-    bool down(double a, double b, double& innerA, double& innerB);
-    void up(double innerA, double innerB);
-    void out(double& a, double& b);
+// Per host sample, in this order:
+//   if (c.down(x, inner)) { process the inner pair; c.up(inner); }
+//   x = c.out<P>();
+// down() returns true on every Factor-th host sample (the first one after clear()); up()
+// gives the Factor host samples that out() hands out until the next inner sample.
+template <class Decimator, class Interpolator, int Delay>
+class DecimatingConverter {
+public:
+    static constexpr int kFactor = Decimator::kFactor;
+    static constexpr int kDelay = Delay;  // host samples, down and up together
+
+    void clear() {
+        decimator_.clear();
+        interpolator_.clear();
+        pending_.fill(0.0);
+        phase_ = 0;
+    }
+    template <class P>
+    bool down(P x, P& inner) {
+        decimator_.push(x);
+        if (phase_ != 0) return false;
+        inner = decimator_.template evaluate<P>();
+        return true;
+    }
+    template <class P>
+    void up(P inner) {
+        P out[kFactor];
+        interpolator_.process(inner, out);
+        for (int k = 0; k < kFactor; ++k) out[k].store(&pending_[2 * k]);
+    }
+    template <class P>
+    P out() {
+        const P x = P::load(&pending_[2 * phase_]);
+        if (++phase_ == kFactor) phase_ = 0;
+        return x;
+    }
+
+    // The same, one side per argument.
+    bool down(double a, double b, double& innerA, double& innerB) {
+        PlainPair inner;
+        if (!down(PlainPair::make(a, b), inner)) return false;
+        innerA = inner.a();
+        innerB = inner.b();
+        return true;
+    }
+    void up(double innerA, double innerB) { up(PlainPair::make(innerA, innerB)); }
+    void out(double& a, double& b) {
+        const PlainPair x = out<PlainPair>();
+        a = x.a();
+        b = x.b();
+    }
 
 private:
-    HalfBandDecimator decA_, decB_;
-    HalfBandInterpolator intA_, intB_;
-    double pendingA_[kFactor] = {};
-    double pendingB_[kFactor] = {};
+    Decimator decimator_;
+    Interpolator interpolator_;
+    alignas(16) std::array<double, 2 * kFactor> pending_{};
     int phase_ = 0;  // host samples since the last decimation, 0 on the decimating sample
 };
 
-// Same protocol as HalfRateConverter, with one inner sample per four host samples.
-//
+using HalfRateConverter = DecimatingConverter<HalfBandDecimator, HalfBandInterpolator, 126>;
+
 // The decimator delays by 127 host samples. The interpolator's group starts with the stored
 // sample e[m − 32], one inner sample older than the one a minimal-delay hand-over would end
 // with, so it delays by 32 inner samples = 128 host samples: 255 for the round trip, which is
 // what the path's delay accounting allows for (the minimal hand-over would give 254).
-class QuarterRateConverter {
-public:
-    static constexpr int kFactor = 4;
-    static constexpr int kDelay = 255;  // host samples, down and up together
-
-    void clear();
-    bool down(double a, double b, double& innerA, double& innerB);
-    void up(double innerA, double innerB);
-    void out(double& a, double& b);
-
-private:
-    QuarterBandDecimator decA_, decB_;
-    QuarterBandInterpolator intA_, intB_;
-    double pendingA_[kFactor] = {};
-    double pendingB_[kFactor] = {};
-    int phase_ = 0;
-};
+using QuarterRateConverter = DecimatingConverter<QuarterBandDecimator, QuarterBandInterpolator, 255>;
 
 }  // namespace dsp
