@@ -155,6 +155,7 @@ void Plugin::updateBand(int b) {
     platform::TimedLock::Guard design(designLock);
     if (!design) return;
     bandModel.designBand(b, designRateHz);
+    if (b == auditionBand) publishAudition();
     if (!isLoading) refreshCurves();
 }
 
@@ -165,6 +166,7 @@ void Plugin::redesignAllBands() {
     if (!design) return;
     designRateHz = dsp::designRate(intRate, steps[kFat] == 1, steps[kLinPhase] == 1);
     bandModel.designAllBands(designRateHz);
+    if (auditionBand >= 0) publishAudition();
     if (!isLoading) refreshCurves();
 }
 
@@ -511,8 +513,44 @@ void Plugin::getAnalyzerBars(float* out) {
     if (analyzer) analyzer->getBars(out);
 }
 
+// Any editor the host opened counts; the feed costs nothing while no one can see the bars.
 bool Plugin::analyzerFeedActive() const {
-    return analyzer && steps[kSpan] == 1 && pluginEditor && pluginEditor->isOpen() && auditionBand < 0;
+    return analyzer && steps[kSpan] == 1 && editor && editor->isOpen();
+}
+
+void Plugin::setAuditionBand(int band) {
+    platform::TimedLock::Guard design(designLock);
+    if (!design) return;
+    auditionBand = band >= 0 && band < kBands ? band : -1;
+    publishAudition();
+    bandModel.computeBandCurves();
+}
+
+void Plugin::setAuditionWidth(float width) {
+    platform::TimedLock::Guard design(designLock);
+    if (!design) return;
+    auditionWidth = std::clamp(width, 0.0f, 1.0f);
+    publishAudition();
+}
+
+void Plugin::setAuditionLevel(float level) {
+    platform::TimedLock::Guard design(designLock);
+    if (!design) return;
+    auditionLevel = std::clamp(level, 0.0f, 1.0f);
+    publishAudition();
+}
+
+// The section heard follows the band's frequency on the side the audition channel selects, at
+// the host rate. The caller holds the design lock, which keeps the hand-over to one writer.
+void Plugin::publishAudition() {
+    const int b = auditionBand;
+    if (b < 0) {
+        engine.audition().publish(dsp::AuditionSection::off());
+        return;
+    }
+    const int side = auditionSelector == kChannelRight ? 1 : 0;
+    engine.audition().publish(
+        dsp::AuditionSection::design(bandModel.band(side, b).frequency, auditionWidth, auditionLevel, intRate));
 }
 
 void Plugin::getOutputPeaks(float& a, float& b) const {

@@ -69,8 +69,8 @@ public:
 
     // The analyzer's 31 band levels in dB, highest band first; nothing without an analyzer.
     void getAnalyzerBars(float* out);
-    // Whether the audio path feeds the analyzer: it exists and is on, an editor window is open
-    // to show it, and no band is being auditioned.
+    // Whether the audio path feeds the analyzer: it exists and is on, and an editor window is
+    // open to show it. During a band audition the path feeds the auditioned signal instead.
     bool analyzerFeedActive() const;
     SPAN* getAnalyzer() const { return analyzer.get(); }
 
@@ -89,6 +89,13 @@ public:
     static constexpr size_t kLatencyTextSize = 64;
     // "(compensated) 24638 samples (558.68 ms)"; text holds kLatencyTextSize bytes.
     void getLatencyText(char* text) const;
+
+    // Band audition, driven by the editor while the user holds a band: band 0..7, or −1 to
+    // end it; width and level in 0..1 (start at 0.5) shape the band-pass that is heard.
+    void setAuditionBand(int band);
+    void setAuditionWidth(float width);
+    void setAuditionLevel(float level);
+    int auditionedBand() const { return auditionBand; }
 
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
@@ -138,6 +145,7 @@ private:
     bool previewText(int index, float v, char* text);
     latency::EngineSettings latencySettings() const;
     void refreshActiveBands();
+    void publishAudition();
     void applyFrameToEngine();
     template <typename Sample>
     void processBlock(Sample** inputs, Sample** outputs, VstInt32 frames);
@@ -160,8 +168,10 @@ private:
     int channel = params::kChannelLink;
     double gainTarget = 1.0;
     RelaxedAtomic<double> analyzerWeights[2] = {0.5, 0.5};
-    int auditionSelector = params::kChannelLink;
+    RelaxedAtomic<int> auditionSelector = params::kChannelLink;
     RelaxedAtomic<int> auditionBand = -1;
+    float auditionWidth = 0.5f;
+    float auditionLevel = 0.5f;
 
     RelaxedAtomic<int> intRate = 44100;
     double rate = 44100.0;

@@ -46,6 +46,20 @@ Figures reportedFigures(int rate, const Setting& s) {
     return f;
 }
 
+// The delay the audio must have in a latency mode: the path's own, padded to the constant in
+// mode 2, and in mode 1 padded to 63 where minimum phase would otherwise report none.
+int expectedDelay(int mode, int rate, const Setting& s) {
+    const Figures f = reportedFigures(rate, s);
+    if (mode == 2) return f.constant;
+    if (mode == 1 && rate < 50000 && !s.linPhase && !(s.fat && s.power)) return f.pathLatency + 63;
+    return f.pathLatency;
+}
+
+int expectedRecordDelay(int mode, int rate) {
+    if (mode == 2) return reportedFigures(rate, {true, true, false, 0}).constant;
+    return mode == 1 && rate < 50000 ? 63 : 0;
+}
+
 // How the audio path gets the signal to its equalizer and back at this setting:
 //   Plain: nothing but the equalizer and the compensation delay, an exact delay;
 //   HalfSample: linear phase at twice the host rate. The block gathering is an odd number of
@@ -85,14 +99,12 @@ void checkRate(int rate, int mode) {
     auto plugin = start(static_cast<float>(rate), kBlock, mode, &store);
     ASSERT_TRUE(plugin);
     // The mode's delay goes into the record whatever the engine settings.
-    const int constant = reportedFigures(rate, {true, true, false, 0}).constant;
-    EXPECT_EQ(plugin->initialDelay(), mode == 2 ? constant : 0) << rate;
+    EXPECT_EQ(plugin->initialDelay(), expectedRecordDelay(mode, rate)) << rate;
     for (const Setting& s : allSettings()) {
         apply(*plugin, s);
         restart(*plugin);
         const Figures f = reportedFigures(rate, s);
-        // In mode 2 the padding fills every setting up to the one constant delay.
-        const int expected = mode == 2 ? f.constant : f.pathLatency;
+        const int expected = expectedDelay(mode, rate, s);
         ASSERT_LE(f.pathLatency, f.constant);
         const size_t length = static_cast<size_t>(expected) + 2048;
         std::vector<double> inL(length, 0.0), inR(length, 0.0), outL, outR;
@@ -136,11 +148,38 @@ void checkRate(int rate, int mode) {
 
 }  // namespace
 
-// Parameter: the latency mode, 0 (the path's own delay) or 2 (one constant delay per rate class).
+// Parameter: the latency mode, 0 (the path's own delay), 1 (minimum phase padded at ordinary
+// rates) or 2 (one constant delay per rate class).
 class LatencyTruth : public ::testing::TestWithParam<int> {};
 
 TEST_P(LatencyTruth, AnImpulseComesOutAsLateAsTheFiguresSay) {
     for (int rate : kRates) checkRate(rate, GetParam());
 }
 
-INSTANTIATE_TEST_SUITE_P(Modes, LatencyTruth, ::testing::Values(0, 2));
+INSTANTIATE_TEST_SUITE_P(Modes, LatencyTruth, ::testing::Values(0, 1, 2));
+
+// A rate the engine does not support runs as 44100 Hz; the smallest and a large host block
+// change the path's gathering but not the constant delay of mode 2.
+TEST(LatencyTruthAtTheLimits, OddRatesRunAt44100AndExtremeBlocksKeepTheDelay) {
+    struct Case {
+        float rate;
+        int block, mode, delay;
+    };
+    const Case cases[] = {
+        {3000.0f, 512, 2, 24638},    {250000.0f, 512, 2, 24638}, {250000.0f, 512, 0, 512 + 2048 - 1},
+        {44100.0f, 1, 0, 1 + 2048 - 1}, {44100.0f, 1, 2, 24638},    {44100.0f, 8192, 0, 4096 + 2048 - 1},
+        {44100.0f, 8192, 2, 24638},
+    };
+    for (const Case& c : cases) {
+        std::string store;
+        auto plugin = start(c.rate, c.block, c.mode, &store);
+        ASSERT_TRUE(plugin);
+        std::vector<double> inL(static_cast<size_t>(c.delay) + 600, 0.0), inR(inL.size(), 0.0), outL, outR;
+        inL[0] = inR[0] = 1.0;
+        run(*plugin, inL, inR, outL, outR, c.block);
+        EXPECT_EQ(argmaxAbs(outL), static_cast<size_t>(c.delay)) << c.rate << " Hz, block " << c.block;
+        EXPECT_NEAR(outL[static_cast<size_t>(c.delay)], 1.0, 1e-9) << c.rate << " Hz, block " << c.block;
+        plugin.reset();
+        removeStore(store);
+    }
+}
