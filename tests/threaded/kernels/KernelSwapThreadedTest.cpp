@@ -14,6 +14,7 @@
 #include "dsp/AlignedBuffer.h"
 #include "dsp/KernelDesigner.h"
 #include "platform/TimedLock.h"
+#include "unit/kernels/KernelTestSupport.h"
 
 namespace {
 
@@ -21,23 +22,12 @@ using dsp::AlignedBuffer;
 using dsp::BiquadCoefficients;
 using dsp::KernelBuild;
 using dsp::KernelDesigner;
-using Sections = BiquadCoefficients[dsp::kBandSlots];
+using kernel_test::peaking;
 
 constexpr int kN = 4096;
 
-BiquadCoefficients peaking(double f0, double gainDb, double q, double rate) {
-    const double A = std::pow(10.0, gainDb / 40.0), w = 2 * M_PI * f0 / rate, alpha = std::sin(w) / (2 * q);
-    const double a0 = 1 + alpha / A;
-    return {(1 + alpha * A) / a0, -2 * std::cos(w) / a0, (1 - alpha * A) / a0, -2 * std::cos(w) / a0, (1 - alpha / A) / a0};
-}
-
-struct BandSet {
-    Sections s;
-    BandSet(double f0, double gainDb) {
-        for (auto& c : s) c = BiquadCoefficients{};
-        s[1] = peaking(f0, gainDb, 1.0, 44100);
-        s[8 + 5] = peaking(2 * f0, -gainDb, 2.0, 44100);
-    }
+struct BandSet : kernel_test::SectionSet {
+    BandSet(double f0, double gainDb) { with(1, peaking(f0, gainDb, 1.0, 44100)).with(8 + 5, peaking(2 * f0, -gainDb, 2.0, 44100)); }
 };
 
 // The frame the audio thread multiplies: any spectrum will do; this one has no zeros.
@@ -159,66 +149,44 @@ TEST_F(KernelSwapThreaded, FrameSizeSwitchesNeverMixSizes) {
     EXPECT_EQ(designer.activeFrameSize(), 2 * kN);
 }
 
-// A build that cannot get the process lock (another build holds it) is skipped without a
-// trace and asks to be redone; the next build that gets through clears the request.
-TEST_F(KernelSwapThreaded, ProcessLockTimeoutSkipsTheBuild) {
-    const BandSet before(500, 4), after(1500, -4);
-    ASSERT_EQ(designer.buildKernels(before.s, kN, 44100.0, true, processLock, engineLock), KernelBuild::Built);
-    const std::vector<double> activeBefore(designer.activeKernel(0), designer.activeKernel(0) + 2 * kN);
-
-    std::promise<void> held, release;
-    std::thread holder([&] {
-        platform::TimedLock::Guard guard(processLock);
-        held.set_value();
-        release.get_future().wait();
-    });
-    held.get_future().wait();
-    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock, nullptr, 20),
-              KernelBuild::Skipped);
-    EXPECT_TRUE(designer.rebuildPending());
-    EXPECT_EQ(designer.activeFrameSize(), kN);
-    EXPECT_TRUE(same(designer.activeKernel(0), activeBefore));
-    release.set_value();
-    holder.join();
-
-    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock), KernelBuild::Built);
-    EXPECT_FALSE(designer.rebuildPending());
-    EXPECT_EQ(designer.activeFrameSize(), 2 * kN);
-}
-
-// A build that cannot get the engine lock for the swap (the audio thread is stuck in a
-// multiply) leaves the active pair and the curves alone, and asks to be redone.
-TEST_F(KernelSwapThreaded, EngineLockTimeoutKeepsTheActivePair) {
+// A build whose lock wait runs out, on the process lock (another build holds it) or on the
+// engine lock for the swap (the audio thread is stuck in a multiply), is skipped without a trace
+// and asks to be redone; the next build that gets through clears the request.
+TEST_F(KernelSwapThreaded, LockTimeoutsSkipTheBuildAndKeepTheActivePair) {
     const BandSet before(500, 4), after(1500, -4);
     const Expected wantBefore = expectedProduct(before, kN);
     ASSERT_EQ(designer.buildKernels(before.s, kN, 44100.0, true, processLock, engineLock), KernelBuild::Built);
+    for (platform::TimedLock* held : {&processLock, &engineLock}) {
+        std::promise<void> taken, release;
+        std::thread holder([&] {
+            platform::TimedLock::Guard guard(*held);
+            taken.set_value();
+            release.get_future().wait();
+        });
+        taken.get_future().wait();
+        dsp::KernelCurves curves;
+        curves.side[0][0] = curves.side[1][0] = -7.0f;
+        EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock, &curves, 20),
+                  KernelBuild::Skipped);
+        EXPECT_TRUE(designer.rebuildPending());
+        EXPECT_EQ(designer.activeFrameSize(), kN);
+        EXPECT_EQ(curves.side[0][0], -7.0f);
+        release.set_value();
+        holder.join();
 
-    std::promise<void> held, release;
-    std::thread audio([&] {
-        platform::TimedLock::Guard guard(engineLock);
-        held.set_value();
-        release.get_future().wait();
-    });
-    held.get_future().wait();
-    dsp::KernelCurves curves;
-    curves.side[0][0] = curves.side[1][0] = -7.0f;
-    EXPECT_EQ(designer.buildKernels(after.s, kN, 44100.0, true, processLock, engineLock, &curves, 20),
-              KernelBuild::Skipped);
-    EXPECT_TRUE(designer.rebuildPending());
-    EXPECT_EQ(curves.side[0][0], -7.0f);
-    release.set_value();
-    audio.join();
-
-    AlignedBuffer a(2 * kN), b(2 * kN);
-    fillProbe(a.data(), b.data(), kN);
-    {
-        platform::TimedLock::Guard engine(engineLock);
-        ASSERT_TRUE(designer.multiplyBothSides(a.data(), b.data(), kN));
+        AlignedBuffer a(2 * kN), b(2 * kN);
+        fillProbe(a.data(), b.data(), kN);
+        {
+            platform::TimedLock::Guard engine(engineLock);
+            ASSERT_TRUE(designer.multiplyBothSides(a.data(), b.data(), kN));
+        }
+        EXPECT_TRUE(same(a.data(), wantBefore.a) && same(b.data(), wantBefore.b));
     }
-    EXPECT_TRUE(same(a.data(), wantBefore.a) && same(b.data(), wantBefore.b));
-
-    EXPECT_EQ(designer.buildKernels(after.s, kN, 44100.0, true, processLock, engineLock, &curves), KernelBuild::Built);
+    dsp::KernelCurves curves;
+    curves.side[0][0] = -7.0f;
+    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock, &curves), KernelBuild::Built);
     EXPECT_FALSE(designer.rebuildPending());
+    EXPECT_EQ(designer.activeFrameSize(), 2 * kN);
     EXPECT_NE(curves.side[0][0], -7.0f);
 }
 

@@ -38,32 +38,25 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
     std::atomic<long> blocks{0};
     std::atomic<long> nonFinite{0};
 
+    // Float and double blocks in turn, each checked for non-finite output.
+    const auto processBlock = [&](auto sample, auto process, std::mt19937& rng) {
+        using T = decltype(sample);
+        std::uniform_real_distribution<T> d(-0.5, 0.5);
+        std::vector<T> inL(256), inR(256), outL(256), outR(256);
+        for (int i = 0; i < 256; ++i) inL[i] = d(rng), inR[i] = d(rng);
+        T* in[2] = {inL.data(), inR.data()};
+        T* out[2] = {outL.data(), outR.data()};
+        (plugin.get()->*process)(in, out, 256);
+        for (int i = 0; i < 256; ++i)
+            if (!std::isfinite(outL[i]) || !std::isfinite(outR[i])) nonFinite.fetch_add(1);
+    };
     std::thread audio([&] {
-        std::vector<float> inL(256), inR(256), outL(256), outR(256);
-        std::vector<double> dInL(256), dInR(256), dOutL(256), dOutR(256);
         std::mt19937 rng(1);
-        std::uniform_real_distribution<float> d(-0.5f, 0.5f);
         while (!stop.load(std::memory_order_relaxed)) {
-            for (int i = 0; i < 256; ++i) {
-                inL[i] = d(rng);
-                inR[i] = d(rng);
-                dInL[i] = inL[i];
-                dInR[i] = inR[i];
-            }
-            const long k = blocks.fetch_add(1, std::memory_order_relaxed);
-            if (k % 2 == 0) {
-                float* in[2] = {inL.data(), inR.data()};
-                float* out[2] = {outL.data(), outR.data()};
-                plugin->processReplacing(in, out, 256);
-                for (int i = 0; i < 256; ++i)
-                    if (!std::isfinite(outL[i]) || !std::isfinite(outR[i])) nonFinite.fetch_add(1);
-            } else {
-                double* in[2] = {dInL.data(), dInR.data()};
-                double* out[2] = {dOutL.data(), dOutR.data()};
-                plugin->processDoubleReplacing(in, out, 256);
-                for (int i = 0; i < 256; ++i)
-                    if (!std::isfinite(dOutL[i]) || !std::isfinite(dOutR[i])) nonFinite.fetch_add(1);
-            }
+            if (blocks.fetch_add(1, std::memory_order_relaxed) % 2 == 0)
+                processBlock(0.0f, &Plugin::processReplacing, rng);
+            else
+                processBlock(0.0, &Plugin::processDoubleReplacing, rng);
             float a, b;
             plugin->getOutputPeaks(a, b);
         }

@@ -1,8 +1,9 @@
 // The band model as its owner drives it: start state, design of both sides, the solo rule,
-// the rate class, total curves, the auto-zoom and what the audio thread is handed.
+// the rate class, the auto-zoom and what the audio thread is handed.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -19,7 +20,7 @@ using dsp::kBandsPerSide;
 using dsp::kPlotPoints;
 
 // Large enough (tens of KB) to keep off the test's stack.
-std::unique_ptr<BandModel> makeModel(bool useSse2 = true) { return std::make_unique<BandModel>(useSse2); }
+std::unique_ptr<BandModel> makeModel() { return std::make_unique<BandModel>(true); }
 
 // A different peaking band on every band and side, so that any mix-up between entries shows.
 void setDistinctPeaks(BandModel& m) {
@@ -28,75 +29,42 @@ void setDistinctPeaks(BandModel& m) {
             m.setBand(side, b, {3, 100.0 * (b + 1) + 37.0 * side, 0.4 + 0.02 * b, 1.0 + b + 0.5 * side});
 }
 
-TEST(BandModelStart, EveryBandBypassedIdentityAndFlat) {
+TEST(BandModelDesign, StartsFlatDesignsBothSidesAndHonoursSolo) {
     auto m = makeModel();
     EXPECT_EQ(m->designRate(), 44100.0);
-    EXPECT_EQ(m->soloMask(), 0u);
-    for (int side = 0; side < dsp::kSides; ++side) {
-        for (int b = 0; b < kBandsPerSide; ++b) {
-            const BandSettings& s = m->band(side, b);
-            EXPECT_EQ(s.bandType, 7);
-            EXPECT_EQ(s.frequency, 20000.0);
-            EXPECT_EQ(s.q, 0.5);
-            EXPECT_EQ(s.gain, 0.0);
-            EXPECT_TRUE(isIdentity(m->section(dsp::bandSlot(side, b))));
-            EXPECT_TRUE(isIdentity(m->readPublished(dsp::bandSlot(side, b))));
-            for (int i = 0; i < kPlotPoints; ++i) ASSERT_EQ(m->bandCurve(side, b)[i], 0.0f);
-        }
-        for (int i = 0; i < kPlotPoints; ++i) ASSERT_EQ(m->totalCurve(side)[i], 0.0f);
+    for (int slot = 0; slot < dsp::kBandSlots; ++slot) {
+        EXPECT_EQ(m->band(slot / 8, slot % 8).bandType, 7);
+        EXPECT_TRUE(isIdentity(m->section(slot)) && isIdentity(m->readPublished(slot)));
     }
-}
+    for (int i = 0; i < kPlotPoints; ++i) ASSERT_TRUE(m->totalCurve(0)[i] == 0.0f && m->totalCurve(1)[i] == 0.0f);
 
-TEST(BandModelDesign, DesignsBothSidesIntoTheirHalvesAndPublishesThem) {
-    auto m = makeModel();
+    // One band designed: both sides, into their halves, against the prototype; and published.
     setDistinctPeaks(*m);
     m->designBand(2, 48000.0);
-    for (int side = 0; side < dsp::kSides; ++side)
-        for (int b = 0; b < kBandsPerSide; ++b) {
-            const int slot = dsp::bandSlot(side, b);
-            if (b != 2) {
-                EXPECT_TRUE(isIdentity(m->section(slot))) << "only band 3 was designed";
-                continue;
-            }
-            const dsp::BiquadCoefficients want = bilinearSection(m->band(side, b), 48000.0);
-            EXPECT_NEAR(m->coefficients().b0[slot], want.b0, 1e-12);
-            EXPECT_NEAR(m->coefficients().b1[slot], want.b1, 1e-12);
-            EXPECT_NEAR(m->coefficients().a2[slot], want.a2, 1e-12);
-            EXPECT_TRUE(sameSection(m->readPublished(slot), m->section(slot)));
+    for (int slot = 0; slot < dsp::kBandSlots; ++slot) {
+        if (slot % 8 != 2) {
+            EXPECT_TRUE(isIdentity(m->section(slot))) << "only band 3 was designed";
+            continue;
         }
-    EXPECT_EQ(dsp::bandSlot(1, 2), 10);
-}
+        const dsp::BiquadCoefficients want = bilinearSection(m->band(slot / 8, 2), 48000.0);
+        EXPECT_NEAR(m->coefficients().b0[slot], want.b0, 1e-12);
+        EXPECT_NEAR(m->coefficients().a2[slot], want.a2, 1e-12);
+        EXPECT_TRUE(sameSection(m->readPublished(slot), m->section(slot)));
+    }
 
-TEST(BandModelDesign, SoloKeepsOnlyTheMarkedBandsAndClearingRestoresAll) {
-    auto m = makeModel();
-    setDistinctPeaks(*m);
+    // Solo keeps only the marked bands, on both sides; clearing it restores every band.
     m->designAllBands(44100.0);
     dsp::BiquadCoefficients designed[dsp::kBandSlots];
     for (int slot = 0; slot < dsp::kBandSlots; ++slot) designed[slot] = m->section(slot);
-
-    m->setSoloMask(1u << 2);  // band 3 alone
-    m->designAllBands(44100.0);
-    for (int side = 0; side < dsp::kSides; ++side)
-        for (int b = 0; b < kBandsPerSide; ++b) {
-            const int slot = dsp::bandSlot(side, b);
-            if (b == 2)
-                EXPECT_TRUE(sameSection(m->section(slot), designed[slot]));
-            else
-                EXPECT_TRUE(isIdentity(m->section(slot))) << "side " << side << " band " << b + 1;
-            EXPECT_TRUE(sameSection(m->readPublished(slot), m->section(slot)));
-        }
-
-    m->setSoloMask(0b101);  // bands 1 and 3
-    m->designAllBands(44100.0);
-    for (int b = 0; b < kBandsPerSide; ++b)
-        EXPECT_EQ(isIdentity(m->section(b)), b != 0 && b != 2) << "band " << b + 1;
-
-    m->setSoloMask(0);
+    m->setSoloMask(1u << 2);
     m->designAllBands(44100.0);
     for (int slot = 0; slot < dsp::kBandSlots; ++slot) {
-        EXPECT_TRUE(sameSection(m->section(slot), designed[slot]));
-        EXPECT_TRUE(sameSection(m->readPublished(slot), designed[slot]));
+        EXPECT_TRUE(slot % 8 == 2 ? sameSection(m->section(slot), designed[slot]) : isIdentity(m->section(slot))) << slot;
+        EXPECT_TRUE(sameSection(m->readPublished(slot), m->section(slot)));
     }
+    m->setSoloMask(0);
+    m->designAllBands(44100.0);
+    for (int slot = 0; slot < dsp::kBandSlots; ++slot) EXPECT_TRUE(sameSection(m->readPublished(slot), designed[slot]));
 }
 
 TEST(BandModelRateClass, ThresholdsSelectTheSixClasses) {
@@ -132,76 +100,40 @@ TEST(BandModelRateClass, CurvesFollowTheClassOfTheLatestDesignRate) {
     EXPECT_LT(want, 11.9) << "the 48000 grid sees the 45000 design off its centre";
 }
 
-TEST(BandModelCurves, TotalsAreSumsOfBandCurvesUnlessGivenFromOutside) {
-    auto m = makeModel(false);
-    setDistinctPeaks(*m);
-    m->setBand(1, 7, {0, 80.0, 0.5, 0.0});
-    m->designAllBands(96000.0);
-    m->computeBandCurves();
-    m->computeTotalCurves();
-    for (int side = 0; side < dsp::kSides; ++side)
-        for (int i = 0; i < kPlotPoints; ++i) {
-            float sum = 0.0f;
-            for (int b = 0; b < kBandsPerSide; ++b) sum += m->bandCurve(side, b)[i];
-            ASSERT_EQ(m->totalCurve(side)[i], sum);
-        }
+// The plot range r that shows a peak of p dB with a tenth to spare: 1.1·p = 6·2^(2 − 3r).
+double rangeFor(double peakDb) { return std::clamp((std::log2(1.1 * peakDb / 6.0) - 2.0) / -3.0, 0.0, 1.0); }
 
-    dsp::Curve measured;
-    for (int i = 0; i < kPlotPoints; ++i) measured[i] = 0.25f * i;
-    m->setTotalCurve(1, measured);
-    EXPECT_EQ(m->totalCurve(1)[100], 25.0f);
-    EXPECT_NE(m->totalCurve(0)[100], 25.0f);
-}
-
-// r solves 1.1·peak = 6·2^(2 − 3r).
-double rangeFor(double peakDb) { return (std::log2(1.1 * peakDb / 6.0) - 2.0) / -3.0; }
-
-TEST(BandModelAutoZoom, FlatGivesOneAndPeaksGiveTheirRange) {
+TEST(BandModelAutoZoom, GainBandsCountByMagnitudeCutsOnlyThroughTheSignedTotal) {
     auto m = makeModel();
     EXPECT_EQ(m->autoZoom(), 1.0f);
-
-    const int centre = 220;
-    m->setBand(0, 4, {3, dsp::plotFrequency(centre), 0.5, 6.0});  // +12 dB in the curve
-    m->designAllBands(48000.0);
-    m->computeBandCurves();
+    const auto redesign = [&] {
+        m->designAllBands(48000.0);
+        m->computeBandCurves();
+    };
+    m->setBand(0, 4, {3, dsp::plotFrequency(220), 0.5, 6.0});  // +12 dB in the curve
+    redesign();
     EXPECT_NEAR(m->autoZoom(), rangeFor(12.0), 1e-5);
-
-    // A shelf cut on the other side reaches -18 dB: only its magnitude counts for a gain band.
-    m->setBand(1, 0, {2, 2000.0, 0.5, -9.0});
-    m->designAllBands(48000.0);
-    m->computeBandCurves();
+    m->setBand(1, 0, {2, 2000.0, 0.5, -9.0});  // a shelf cut reaching -18 dB on the other side
+    redesign();
     EXPECT_NEAR(m->autoZoom(), rangeFor(18.0), 1e-4);
-
-    // The same shelf switched off no longer counts.
-    m->setBandType(1, 0, 9);
-    m->designAllBands(48000.0);
-    m->computeBandCurves();
+    m->setBandType(1, 0, 9);  // the same shelf switched off no longer counts
+    redesign();
     EXPECT_NEAR(m->autoZoom(), rangeFor(12.0), 1e-5);
-}
 
-TEST(BandModelAutoZoom, CutsRaiseThePeakOnlyThroughTheSignedTotal) {
-    auto m = makeModel();
-    m->setBand(0, 0, {1, 5000.0, 0.5, 0.0});  // deep negative curve, no gain band
-    m->designAllBands(44100.0);
-    m->computeBandCurves();
+    // A deep low cut alone leaves the range; with a resonant corner it pokes above 0 dB, and the
+    // total carries that bump.
+    m->setBandType(0, 4, 9);
+    m->setBand(0, 0, {1, 5000.0, 0.5, 0.0});
+    redesign();
     EXPECT_EQ(m->autoZoom(), 1.0f);
-
-    // A low cut with a resonant corner pokes above 0 dB; the total carries that bump.
     m->setBand(0, 0, {1, 5000.0, 1.0, 0.0});
-    m->designAllBands(44100.0);
-    m->computeBandCurves();
-    float bump = 0.0f;
-    for (int i = 0; i < kPlotPoints; ++i) bump = std::max(bump, m->bandCurve(0, 0)[i]);
+    redesign();
+    const float bump = *std::max_element(m->bandCurve(0, 0), m->bandCurve(0, 0) + kPlotPoints);
     ASSERT_GT(bump, 2.0f);
     EXPECT_NEAR(m->autoZoom(), rangeFor(bump), 1e-5);
-}
 
-TEST(BandModelAutoZoom, RangeIsClampedToTheUnitInterval) {
-    EXPECT_EQ(BandModel::plotRangeForPeak(0.0f), 1.0f);
-    EXPECT_EQ(BandModel::plotRangeForPeak(0.5f), 1.0f);
-    EXPECT_EQ(BandModel::plotRangeForPeak(1000.0f), 0.0f);
-    EXPECT_NEAR(BandModel::plotRangeForPeak(24.0f / 1.1f), 0.0f, 1e-6);
-    EXPECT_NEAR(BandModel::plotRangeForPeak(3.0f / 1.1f), 1.0f, 1e-6);
+    for (float peak : {0.0f, 0.5f, 3.0f / 1.1f, 24.0f / 1.1f, 1000.0f})
+        EXPECT_NEAR(BandModel::plotRangeForPeak(peak), rangeFor(std::max(peak, 1e-9f)), 1e-6) << peak;
 }
 
 }  // namespace

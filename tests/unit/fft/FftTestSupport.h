@@ -70,12 +70,6 @@ inline void writeSignal(const std::vector<double>& x, int n, double* buffer) {
     for (int t = 0; t < 2 * n; ++t) buffer[dsp::sampleEntry(n, t)] = x[t];
 }
 
-inline std::vector<double> readSignal(const double* buffer, int n) {
-    std::vector<double> x(2 * static_cast<size_t>(n));
-    for (int t = 0; t < 2 * n; ++t) x[t] = buffer[dsp::sampleEntry(n, t)];
-    return x;
-}
-
 // Bin k (0..N) of a packed spectrum.
 inline std::complex<double> readBin(const double* spectrum, int n, int k) {
     if (k == 0) return {spectrum[0], 0.0};
@@ -85,15 +79,13 @@ inline std::complex<double> readBin(const double* spectrum, int n, int k) {
 }
 
 inline void writeBin(double* spectrum, int n, int k, std::complex<double> value) {
-    if (k == 0) {
-        spectrum[0] = value.real();
-    } else if (k == n) {
-        spectrum[1] = value.real();
-    } else {
-        const int p = dsp::spectrumPairOfBin(n, k);
-        spectrum[2 * p] = value.real();
-        spectrum[2 * p + 1] = value.imag();
+    if (k == 0 || k == n) {
+        spectrum[k == 0 ? 0 : 1] = value.real();
+        return;
     }
+    const int p = dsp::spectrumPairOfBin(n, k);
+    spectrum[2 * p] = value.real();
+    spectrum[2 * p + 1] = value.imag();
 }
 
 // Accumulates sqrt(Σ|got − want|² / Σ|want|²).

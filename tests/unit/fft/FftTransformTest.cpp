@@ -1,4 +1,5 @@
-// The four operations of every family at every frame size, against the definitions.
+// The four operations of every family at every frame size, against the definitions; the
+// buffer layouts they share; and the families against each other.
 
 #include <gtest/gtest.h>
 
@@ -6,10 +7,12 @@
 #include <random>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "dsp/AlignedBuffer.h"
-#include "dsp/Fft.h"
 #include "FftTestSupport.h"
+#include "dsp/Fft.h"
+#include "dsp/FftLayout.h"
 
 namespace {
 
@@ -75,31 +78,8 @@ TEST_P(FftAtSize, InverseMatchesDirectSynthesis) {
     EXPECT_LE(error.value(), kMaxRelativeRms);
 }
 
-TEST_P(FftAtSize, UnitImpulseTransformsToAllOnes) {
-    AlignedBuffer buffer(2 * n());
-    buffer[0] = 1.0;
-    fft().forward(buffer.data(), n());
-    for (int p = 0; p < n(); ++p) {
-        ASSERT_EQ(buffer[2 * p], 1.0) << "pair " << p;
-        ASSERT_EQ(buffer[2 * p + 1], p == 0 ? 1.0 : 0.0) << "pair " << p;
-    }
-}
-
-TEST_P(FftAtSize, ForwardScaleInverseRestoresSignal) {
-    const std::vector<double> x = randomSignal(2 * n(), 13);
-    AlignedBuffer buffer(2 * n());
-    writeSignal(x, n(), buffer.data());
-    const Fft f = fft();
-    f.forward(buffer.data(), n());
-    f.scale(buffer.data(), n());
-    f.inverse(buffer.data(), n());
-    RelativeRms error;
-    for (int t = 0; t < 2 * n(); ++t) error.add(buffer[dsp::sampleEntry(n(), t)], x[t]);
-    EXPECT_LE(error.value(), kMaxRelativeRms);
-}
-
 // inverse(multiply(forward(x), scale(forward(k)))) against the circular convolution summed
-// directly. The signal is short and sits across the buffer's end, so the sum wraps round; the
+// directly (which also pins the scale of the real bins against the others). The signal is short and sits across the buffer's end, so the sum wraps round; the
 // kernel has N + 1 taps, the length the engine uses.
 TEST_P(FftAtSize, ProductOfSpectraIsCircularConvolution) {
     const int two = 2 * n();
@@ -128,24 +108,6 @@ TEST_P(FftAtSize, ProductOfSpectraIsCircularConvolution) {
     EXPECT_LE(error.value(), kMaxRelativeRms);
 }
 
-// A frame holding one unit sample at 0, convolved with a kernel of N + 1 taps, is the kernel
-// itself: taps 0..N − 1 in the even entries, tap N in entry 1, the rest zero.
-TEST_P(FftAtSize, UnitFrameConvolvedWithKernelIsTheKernel) {
-    const std::vector<double> taps = randomSignal(n() + 1, 16);
-    AlignedBuffer frame(2 * n()), kernel(2 * n());
-    for (int i = 0; i <= n(); ++i) kernel[dsp::sampleEntry(n(), i)] = taps[i];
-    frame[0] = 1.0;
-    const Fft f = fft();
-    f.forward(kernel.data(), n());
-    f.scale(kernel.data(), n());
-    f.forward(frame.data(), n());
-    f.multiply(frame.data(), kernel.data(), n());
-    f.inverse(frame.data(), n());
-    for (int i = 0; i < n(); ++i) ASSERT_NEAR(frame[2 * i], taps[i], 1e-14) << "tap " << i;
-    EXPECT_NEAR(frame[1], taps[n()], 1e-14);
-    for (int t = 1; t < n(); ++t) ASSERT_NEAR(frame[2 * t + 1], 0.0, 1e-14) << "sample " << n() + t;
-}
-
 TEST_P(FftAtSize, MultiplyBothGivesTheTwoMultiplies) {
     const std::vector<double> a = randomSignal(2 * n(), 17), b = randomSignal(2 * n(), 18);
     const std::vector<double> ka = randomSignal(2 * n(), 19), kb = randomSignal(2 * n(), 20);
@@ -166,26 +128,6 @@ INSTANTIATE_TEST_SUITE_P(EveryFamilyAndSize, FftAtSize,
                              return std::string(dsp::fftFamilyName(std::get<0>(info.param))) + "_" +
                                     std::to_string(std::get<1>(info.param));
                          });
-
-TEST(FftScale, HalvesTheRealBinsAgainstTheOthers) {
-    for (FftFamily family : allFamilies()) {
-        if (!dsp::fftFamilyUsable(family)) continue;
-        const Fft f(family);
-        for (int n : dsp::kFftSizes) {
-            AlignedBuffer buffer(2 * n);
-            for (int e = 0; e < 2 * n; ++e) buffer[e] = 1.0;
-            f.scale(buffer.data(), n);
-            EXPECT_EQ(buffer[0], 1.0 / (2 * n));
-            EXPECT_EQ(buffer[1], 1.0 / (2 * n));
-            for (int e = 2; e < 2 * n; ++e) ASSERT_EQ(buffer[e], 1.0 / n);
-        }
-        AlignedBuffer small(2 * 4096);
-        small[0] = small[2] = 1.0;
-        f.scale(small.data(), 4096);
-        EXPECT_EQ(small[0], 0.0001220703125);
-        EXPECT_EQ(small[2], 1.0 / 4096);
-    }
-}
 
 TEST(FftDispatch, UnknownSizeLeavesTheBufferUntouched) {
     const int entries = 2 * dsp::kMaxFftSize + 8;
@@ -226,6 +168,25 @@ TEST(FftFamilies, AgreeBitForBit) {
             plain.multiply(a.data(), ka.data(), n), simd.multiply(b.data(), kb.data(), n), same("multiply");
             plain.scale(a.data(), n), simd.scale(b.data(), n), same("scale");
             plain.inverse(a.data(), n), simd.inverse(b.data(), n), same("inverse");
+        }
+    }
+}
+
+TEST(FftLayout, FrameSizesSampleEntriesAndBinPositions) {
+    for (int n : {0, 1, 2048, 4095, 65536, -4096}) EXPECT_EQ(dsp::fftSizeIndex(n), -1) << n;
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(dsp::fftSizeIndex(4096 << i), i);
+    // Half-interleaved: samples 0..N-1 in the even entries, N..2N-1 in the odd ones.
+    EXPECT_EQ(dsp::sampleEntry(4096, 1), 2);
+    EXPECT_EQ(dsp::sampleEntry(4096, 4096), 1);
+    EXPECT_EQ(dsp::sampleEntry(4096, 8191), 8191);
+    // Every pair 1..N-1 holds exactly one bin 1..N-1, and binOfSpectrumPair undoes spectrumPairOfBin.
+    for (int n = 2; n <= 32768; n *= 2) {
+        std::vector<int> binAt(n, 0);
+        for (int k = 1; k < n; ++k) {
+            const int p = dsp::spectrumPairOfBin(n, k);
+            ASSERT_TRUE(p >= 1 && p < n && binAt[p] == 0) << "N = " << n << " bin " << k << " at pair " << p;
+            binAt[p] = k;
+            ASSERT_EQ(dsp::binOfSpectrumPair(n, p), k) << "N = " << n << " pair " << p;
         }
     }
 }

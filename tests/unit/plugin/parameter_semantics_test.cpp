@@ -1,5 +1,6 @@
-// Parameter behaviour that a host cannot see directly: derived values, the editor's band
+// Parameter behaviour that a host cannot see directly: channel weights, the editor's band
 // setters, the preset bank's global slots, and the engine's frame and partition lengths.
+// (Steps, value texts and the natural values behind them are checked through the library.)
 
 #include <gtest/gtest.h>
 
@@ -8,49 +9,16 @@
 #include "PluginHarness.h"
 #include "gui/Editor.h"
 
-using params::quantize;
-using params::stepCentre;
-
-TEST(Quantize, StepsAndCentres) {
-    EXPECT_EQ(quantize(1.0f, 2), 1);
-    EXPECT_EQ(quantize(0.5f, 2), 1);
-    EXPECT_EQ(quantize(0.49f, 2), 0);
-    EXPECT_EQ(quantize(0.25f, 14), 3);
-    EXPECT_EQ(quantize(0.75f, 14), 10);
-    EXPECT_EQ(quantize(0.5f, 3), 1);
-    EXPECT_EQ(quantize(7.0f, 3), 2);
-    EXPECT_EQ(quantize(-0.2f, 3), 0);  // truncated toward zero
-    EXPECT_EQ(quantize(-0.5f, 3), -1);
-    EXPECT_EQ(quantize(std::nanf(""), 16), 15);
-    EXPECT_EQ(quantize(-INFINITY, 16), -1000000000);
-    EXPECT_FLOAT_EQ(stepCentre(0, 2), 0.25f);
-    EXPECT_FLOAT_EQ(stepCentre(2, 3), 5.0f / 6);
-    for (int n : {2, 3, 14, 16, 256})
-        for (int k = 0; k < n; ++k) EXPECT_EQ(quantize(stepCentre(k, n), n), k);
-}
-
 class ParameterSemantics : public ::testing::Test {
 protected:
+    std::vector<int> automatedIndexes() const {
+        std::vector<int> indexes;
+        for (const auto& call : h.host.of(audioMasterAutomate)) indexes.push_back(call.index);
+        return indexes;
+    }
     PluginHarness h;
     Plugin& p = *h.plugin;
 };
-
-TEST_F(ParameterSemantics, NaturalValuesOfABand) {
-    p.setParameter(22, 0.0f);
-    EXPECT_NEAR(p.band(0, 0).frequency, 20.0, 1e-9);
-    p.setParameter(22, 1.0f / 3);
-    EXPECT_NEAR(p.band(0, 0).frequency, 200.0, 1e-4);
-    p.setParameter(22, 0.5f);
-    EXPECT_NEAR(p.band(1, 0).frequency, 632.456, 1e-3);  // linked
-    p.setParameter(54, 0.75f);
-    EXPECT_DOUBLE_EQ(p.band(0, 0).gain, 6.0);
-    p.setParameter(6, 0.25f);
-    EXPECT_EQ(p.band(0, 0).bandType, 3);
-    p.setParameter(6, 0.75f);
-    EXPECT_EQ(p.band(0, 0).bandType, 10);
-    p.setParameter(5, 1.0f);
-    EXPECT_NEAR(p.outputGainTarget(), std::pow(10.0, 12.0 / 20.0), 1e-12);
-}
 
 TEST_F(ParameterSemantics, ChannelAndAnalyzerWeights) {
     double a, b;
@@ -75,15 +43,6 @@ TEST_F(ParameterSemantics, ChannelAndAnalyzerWeights) {
     p.analyzerInputWeights(a, b);
     EXPECT_EQ(b, 2.0);
     EXPECT_NE(p.auditionChannel(), 2);
-}
-
-TEST_F(ParameterSemantics, SoloMask) {
-    p.setParameter(79, 5.5f / 256);
-    EXPECT_EQ(p.soloMask(), 5u);  // bands 1 and 3
-    p.setParameter(79, 0.0f);
-    EXPECT_EQ(p.soloMask(), 0u);
-    p.setParameter(79, 1.0f);
-    EXPECT_EQ(p.soloMask(), 255u);
 }
 
 TEST_F(ParameterSemantics, GlobalSettingsGoIntoEveryPreset) {
@@ -112,10 +71,8 @@ TEST_F(ParameterSemantics, EditorBandSettersFollowChannel) {
     EXPECT_EQ(p.getParameter(32), 0.5f);
     EXPECT_EQ(p.getParameter(24), 0.365637f);
     EXPECT_EQ(p.band(1, 2).frequency, static_cast<double>(20.0f * std::pow(10.0f, 1.5f)));
-    auto automations = h.host.of(audioMasterAutomate);
-    ASSERT_EQ(automations.size(), 1u);
-    EXPECT_EQ(automations[0].index, 32);
-    EXPECT_EQ(automations[0].value, 0.5f);
+    EXPECT_EQ(automatedIndexes(), std::vector<int>{32});
+    EXPECT_EQ(h.host.of(audioMasterAutomate)[0].value, 0.5f);
     EXPECT_EQ(p.getPreset(0)->values[32], 0.5f);
 
     // A mono input always edits the left side, whatever Channel says.
@@ -128,9 +85,7 @@ TEST_F(ParameterSemantics, EditorBandSettersFollowChannel) {
     p.setBandGain(2, 0.75f);
     EXPECT_EQ(p.getParameter(56), 0.75f);
     EXPECT_EQ(p.getParameter(64), 0.5f);
-    automations = h.host.of(audioMasterAutomate);
-    ASSERT_EQ(automations.size(), 1u);
-    EXPECT_EQ(automations[0].index, 56);
+    EXPECT_EQ(automatedIndexes(), std::vector<int>{56});
 
     // LINK with stereo: both sides, left notified first.
     VstSpeakerArrangement stereo{};
@@ -142,14 +97,9 @@ TEST_F(ParameterSemantics, EditorBandSettersFollowChannel) {
     p.setBandQ(7, 1.0f);
     EXPECT_EQ(p.getParameter(45), 1.0f);
     EXPECT_EQ(p.getParameter(53), 1.0f);
-    automations = h.host.of(audioMasterAutomate);
-    ASSERT_EQ(automations.size(), 2u);
-    EXPECT_EQ(automations[0].index, 45);
-    EXPECT_EQ(automations[1].index, 53);
-
     p.setBandQ(8, 1.0f);  // no such band: nothing happens
     p.setBandQ(-1, 1.0f);
-    EXPECT_EQ(h.host.of(audioMasterAutomate).size(), 2u);
+    EXPECT_EQ(automatedIndexes(), (std::vector<int>{45, 53}));
 }
 
 TEST_F(ParameterSemantics, PresetLoadSetsEachSideOnItsOwn) {
@@ -177,13 +127,10 @@ TEST_F(ParameterSemantics, SelectPresetTellsTheHostOnce) {
 }
 
 TEST_F(ParameterSemantics, SampleRateAndPartitionLength) {
-    p.setSampleRate(4999.9f);
-    EXPECT_EQ(p.integerSampleRate(), 44100);
-    EXPECT_FLOAT_EQ(p.getSampleRate(), 4999.9f);
-    p.setSampleRate(250000.0f);
-    EXPECT_EQ(p.integerSampleRate(), 44100);
-    p.setSampleRate(std::nanf(""));
-    EXPECT_EQ(p.integerSampleRate(), 44100);
+    for (float odd : {4999.9f, 250000.0f, std::nanf("")}) {
+        p.setSampleRate(odd);
+        EXPECT_EQ(p.integerSampleRate(), 44100) << odd;
+    }
     p.setSampleRate(96000.0f);
     EXPECT_EQ(p.integerSampleRate(), 96000);
 
@@ -203,9 +150,7 @@ TEST_F(ParameterSemantics, SampleRateAndPartitionLength) {
     p.setBlockSize(512);
     EXPECT_EQ(p.partitionLength(), 1024);
     p.setSampleRate(192000.0f);
-    p.setBlockSize(1);  // a hop of at least one sample, whatever the host says
-    EXPECT_EQ(p.partitionLength(), 2);
-    p.setBlockSize(-5);
+    p.setBlockSize(-5);  // a hop of at least one sample, whatever the host says
     EXPECT_EQ(p.partitionLength(), 2);
 }
 
@@ -220,14 +165,10 @@ TEST_F(ParameterSemantics, AnalyzerFollowsItsParameters) {
     EXPECT_EQ(span->mode(), 1);
     p.setParameter(75, 2.5f / 16);
     EXPECT_EQ(span->speed(), 2);
-    p.setParameter(76, 0.5f / 16);
-    EXPECT_EQ(span->mode(), 0);
     p.setParameter(83, 0.5f / 16);
     EXPECT_EQ(span->filterOrder(), 2);
     p.setParameter(83, 3.5f / 16);  // every step but 0 is order 6
     EXPECT_EQ(span->filterOrder(), 6);
-    p.setSampleRate(48000.0f);
-    EXPECT_EQ(span->sampleRate(), 48000.0f);
     p.setSampleRate(32000.0f);  // no tables for this rate: the analyzer goes quiet
     EXPECT_EQ(span->sampleRate(), 0.0f);
     float bars[31];

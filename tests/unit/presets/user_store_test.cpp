@@ -6,75 +6,34 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
-#include "PresetTestEffect.h"
+#include "PresetTestSupport.h"
 #include "platform/UserStore.h"
 
 using platform::UserStore;
 
-namespace {
-
-std::vector<uint8_t> fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
-}
-
-// Sets or clears an environment variable for the lifetime of the object.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old, had_ = true;
-        if (value) setenv(name, value, 1);
-        else unsetenv(name);
-    }
-    ~ScopedEnv() {
-        if (had_) setenv(name_, old_.c_str(), 1);
-        else unsetenv(name_);
-    }
-
-private:
-    const char* name_;
-    std::string old_;
-    bool had_ = false;
-};
-
-}  // namespace
-
 TEST(UserStoreFolder, OverrideThenXdgThenHome) {
-    {
-        ScopedEnv a("TYX_VIREO_CONFIG_DIR", "/tmp/override");
-        ScopedEnv b("XDG_CONFIG_HOME", "/tmp/xdg");
-        EXPECT_EQ(UserStore::currentUserFolder(), "/tmp/override");
-        EXPECT_EQ(UserStore::forCurrentUser().folder(), "/tmp/override");
-    }
-    {
-        ScopedEnv a("TYX_VIREO_CONFIG_DIR", nullptr);
-        ScopedEnv b("XDG_CONFIG_HOME", "/tmp/xdg");
-        EXPECT_EQ(UserStore::currentUserFolder(), "/tmp/xdg/Tyx-fonica/TyxVireo");
-    }
-    {
-        ScopedEnv a("TYX_VIREO_CONFIG_DIR", "");
-        ScopedEnv b("XDG_CONFIG_HOME", nullptr);
-        ScopedEnv c("HOME", "/home/tester");
-        EXPECT_EQ(UserStore::currentUserFolder(), "/home/tester/.config/Tyx-fonica/TyxVireo");
-    }
-    {
-        ScopedEnv a("TYX_VIREO_CONFIG_DIR", nullptr);
-        ScopedEnv b("XDG_CONFIG_HOME", "relative/ignored");
-        ScopedEnv c("HOME", "/home/tester");
-        EXPECT_EQ(UserStore::currentUserFolder(), "/home/tester/.config/Tyx-fonica/TyxVireo");
+    struct Case {
+        const char *override, *xdg, *want;
+    } cases[] = {
+        {"/tmp/override", "/tmp/xdg", "/tmp/override"},
+        {nullptr, "/tmp/xdg", "/tmp/xdg/Tyx-fonica/TyxVireo"},
+        {"", nullptr, "/home/tester/.config/Tyx-fonica/TyxVireo"},
+        {nullptr, "relative/ignored", "/home/tester/.config/Tyx-fonica/TyxVireo"},
+    };
+    for (const Case& c : cases) {
+        ScopedEnv a("TYX_VIREO_CONFIG_DIR", c.override), b("XDG_CONFIG_HOME", c.xdg), h("HOME", "/home/tester");
+        EXPECT_EQ(UserStore::currentUserFolder(), c.want);
+        EXPECT_EQ(UserStore::forCurrentUser().folder(), c.want);
     }
 }
 
 TEST(UserStoreValues, HowValuesLieOnDisk) {
     ScopedStoreFolder scratch;
     const UserStore store(scratch.scratch() + "/a/b/TyxVireo/");
-    EXPECT_FALSE(std::filesystem::exists(store.folder()));  // reading or constructing creates nothing
     EXPECT_FALSE(store.readDword("latencycomp"));
+    EXPECT_FALSE(std::filesystem::exists(store.folder()));  // reading or constructing creates nothing
 
     ASSERT_TRUE(store.writeDword("latencycomp", 0x01020304u));
     EXPECT_EQ(fileBytes(store.folder() + "/latencycomp"), (std::vector<uint8_t>{4, 3, 2, 1}));
@@ -85,26 +44,17 @@ TEST(UserStoreValues, HowValuesLieOnDisk) {
 
     const std::vector<uint8_t> blob = {0, 1, 2, 0, 255};
     ASSERT_TRUE(store.writeBinary("DefaultPreset", blob.data(), blob.size()));
-    EXPECT_EQ(fileBytes(store.folder() + "/DefaultPreset"), blob);
     EXPECT_EQ(store.readBinary("DefaultPreset"), blob);
     EXPECT_FALSE(store.readBinary("DefaultPreset", 4));  // longer than the reader accepts
     EXPECT_FALSE(store.readDword("DefaultPreset"));     // not a 4-byte value
-
     ASSERT_TRUE(store.writeString("CurrDir", "/home/ü/"));
     EXPECT_EQ(fileBytes(store.folder() + "/CurrDir").size(), 9u);  // UTF-8, no terminator
     EXPECT_EQ(store.readString("CurrDir"), "/home/ü/");
-    EXPECT_FALSE(store.readString("CurrDir", 8));
-    std::ofstream(store.folder() + "/ManualPath", std::ios::binary).write("/doc/m.pdf\0junk", 15);
-    EXPECT_EQ(store.readString("ManualPath", 10), "/doc/m.pdf");  // a stored terminator is tolerated
-
-    EXPECT_TRUE(store.contains("CurrDir"));
+    writeBytes(store.folder() + "/ManualPath", {'/', 'm', 0, 'j'});
+    EXPECT_EQ(store.readString("ManualPath", 10), "/m");  // a stored terminator is tolerated
     EXPECT_TRUE(store.remove("CurrDir"));
-    EXPECT_FALSE(store.contains("CurrDir"));
     EXPECT_TRUE(store.remove("CurrDir"));  // gone already: fine
-    EXPECT_FALSE(store.readString("CurrDir"));
-
-    ASSERT_TRUE(store.writeBinary("Empty", nullptr, 0));
-    EXPECT_EQ(store.readBinary("Empty"), std::vector<uint8_t>{});
+    EXPECT_FALSE(store.contains("CurrDir"));
 }
 
 TEST(UserStoreValues, NamesThatAreNotPlainFileNamesAreRefused) {

@@ -7,85 +7,45 @@
 
 #include "vst/aeffect.h"
 
+#define AT(type, field, offset) EXPECT_EQ(offsetof(type, field), offset##u) << #type "::" #field
+
 TEST(AbiLayout, EffectRecordOffsets) {
-    EXPECT_EQ(offsetof(AEffect, magic), 0u);
-    EXPECT_EQ(offsetof(AEffect, dispatcher), 8u);
-    EXPECT_EQ(offsetof(AEffect, process), 16u);
-    EXPECT_EQ(offsetof(AEffect, setParameter), 24u);
-    EXPECT_EQ(offsetof(AEffect, getParameter), 32u);
-    EXPECT_EQ(offsetof(AEffect, numPrograms), 40u);
-    EXPECT_EQ(offsetof(AEffect, numParams), 44u);
-    EXPECT_EQ(offsetof(AEffect, numInputs), 48u);
-    EXPECT_EQ(offsetof(AEffect, numOutputs), 52u);
-    EXPECT_EQ(offsetof(AEffect, flags), 56u);
-    EXPECT_EQ(offsetof(AEffect, resvd1), 64u);
-    EXPECT_EQ(offsetof(AEffect, resvd2), 72u);
-    EXPECT_EQ(offsetof(AEffect, initialDelay), 80u);
-    EXPECT_EQ(offsetof(AEffect, realQualities), 84u);
-    EXPECT_EQ(offsetof(AEffect, offQualities), 88u);
-    EXPECT_EQ(offsetof(AEffect, ioRatio), 92u);
-    EXPECT_EQ(offsetof(AEffect, object), 96u);
-    EXPECT_EQ(offsetof(AEffect, user), 104u);
-    EXPECT_EQ(offsetof(AEffect, uniqueID), 112u);
-    EXPECT_EQ(offsetof(AEffect, version), 116u);
-    EXPECT_EQ(offsetof(AEffect, processReplacing), 120u);
-    EXPECT_EQ(offsetof(AEffect, processDoubleReplacing), 128u);
-    EXPECT_EQ(offsetof(AEffect, future), 136u);
+    AT(AEffect, magic, 0); AT(AEffect, dispatcher, 8); AT(AEffect, process, 16); AT(AEffect, setParameter, 24);
+    AT(AEffect, getParameter, 32); AT(AEffect, numPrograms, 40); AT(AEffect, numParams, 44);
+    AT(AEffect, numInputs, 48); AT(AEffect, numOutputs, 52); AT(AEffect, flags, 56); AT(AEffect, resvd1, 64);
+    AT(AEffect, resvd2, 72); AT(AEffect, initialDelay, 80); AT(AEffect, realQualities, 84);
+    AT(AEffect, offQualities, 88); AT(AEffect, ioRatio, 92); AT(AEffect, object, 96); AT(AEffect, user, 104);
+    AT(AEffect, uniqueID, 112); AT(AEffect, version, 116); AT(AEffect, processReplacing, 120);
+    AT(AEffect, processDoubleReplacing, 128); AT(AEffect, future, 136);
     EXPECT_EQ(sizeof(AEffect), 192u);
 }
 
 TEST(AbiLayout, PassedRecords) {
-    EXPECT_EQ(offsetof(VstParameterProperties, stepFloat), 0u);
-    EXPECT_EQ(offsetof(VstParameterProperties, smallStepFloat), 4u);
-    EXPECT_EQ(offsetof(VstParameterProperties, largeStepFloat), 8u);
-    EXPECT_EQ(offsetof(VstParameterProperties, label), 12u);
-    EXPECT_EQ(offsetof(VstParameterProperties, flags), 76u);
-    EXPECT_EQ(offsetof(VstParameterProperties, minInteger), 80u);
-    EXPECT_EQ(offsetof(VstParameterProperties, maxInteger), 84u);
-    EXPECT_EQ(offsetof(VstParameterProperties, stepInteger), 88u);
-    EXPECT_EQ(offsetof(VstParameterProperties, largeStepInteger), 92u);
-    EXPECT_EQ(offsetof(VstParameterProperties, shortLabel), 96u);
-    EXPECT_EQ(offsetof(VstParameterProperties, displayIndex), 104u);
-    EXPECT_EQ(offsetof(VstParameterProperties, category), 106u);
-    EXPECT_EQ(offsetof(VstParameterProperties, numParametersInCategory), 108u);
-    EXPECT_EQ(offsetof(VstParameterProperties, reserved), 110u);
-    EXPECT_EQ(offsetof(VstParameterProperties, categoryLabel), 112u);
-    EXPECT_EQ(offsetof(VstParameterProperties, future), 136u);
-    EXPECT_EQ(sizeof(VstParameterProperties), 152u);
-
-    EXPECT_EQ(offsetof(ERect, top), 0u);
-    EXPECT_EQ(offsetof(ERect, left), 2u);
-    EXPECT_EQ(offsetof(ERect, bottom), 4u);
-    EXPECT_EQ(offsetof(ERect, right), 6u);
+    using P = VstParameterProperties;
+    AT(P, stepFloat, 0); AT(P, smallStepFloat, 4); AT(P, largeStepFloat, 8); AT(P, label, 12); AT(P, flags, 76);
+    AT(P, minInteger, 80); AT(P, maxInteger, 84); AT(P, stepInteger, 88); AT(P, largeStepInteger, 92);
+    AT(P, shortLabel, 96); AT(P, displayIndex, 104); AT(P, category, 106); AT(P, numParametersInCategory, 108);
+    AT(P, reserved, 110); AT(P, categoryLabel, 112); AT(P, future, 136);
+    EXPECT_EQ(sizeof(P), 152u);
+    AT(ERect, top, 0); AT(ERect, left, 2); AT(ERect, bottom, 4); AT(ERect, right, 6);
     EXPECT_EQ(sizeof(ERect), 8u);
-
-    EXPECT_EQ(offsetof(VstSpeakerProperties, name), 16u);
-    EXPECT_EQ(offsetof(VstSpeakerProperties, type), 80u);
+    AT(VstSpeakerProperties, name, 16); AT(VstSpeakerProperties, type, 80);
     EXPECT_EQ(sizeof(VstSpeakerProperties), 112u);
-    EXPECT_EQ(offsetof(VstSpeakerArrangement, numChannels), 4u);
-    EXPECT_EQ(offsetof(VstSpeakerArrangement, speakers), 8u);
-    EXPECT_EQ(offsetof(VstEvents, events), 16u);
+    AT(VstSpeakerArrangement, numChannels, 4); AT(VstSpeakerArrangement, speakers, 8); AT(VstEvents, events, 16);
 }
 
 TEST(AbiLayout, OpcodeAndFlagNumbers) {
-    EXPECT_EQ(kEffectMagic, 0x56737450);
-    EXPECT_EQ(effEditIdle, 19);
-    EXPECT_EQ(effGetChunk, 23);
-    EXPECT_EQ(effCanBeAutomated, 26);
-    EXPECT_EQ(effGetProgramNameIndexed, 29);
-    EXPECT_EQ(effGetPlugCategory, 35);
-    EXPECT_EQ(effSetSpeakerArrangement, 42);
-    EXPECT_EQ(effGetEffectName, 45);
-    EXPECT_EQ(effCanDo, 51);
-    EXPECT_EQ(effGetParameterProperties, 56);
-    EXPECT_EQ(effGetVstVersion, 58);
-    EXPECT_EQ(effEditKeyDown, 59);
-    EXPECT_EQ(effSetProcessPrecision, 77);
-    EXPECT_EQ(effGetNumMidiOutputChannels, 79);
-    EXPECT_EQ(audioMasterPinConnected, 4);
-    EXPECT_EQ(audioMasterIOChanged, 13);
-    EXPECT_EQ(audioMasterUpdateDisplay, 42);
-    EXPECT_EQ(audioMasterEndEdit, 44);
-    EXPECT_EQ(effFlagsCanDoubleReplacing, 1 << 12);
-    EXPECT_EQ(kVstParameterCanRamp, 1 << 6);
+    const int numbers[][2] = {
+        {kEffectMagic, 0x56737450},          {effEditIdle, 19},
+        {effGetChunk, 23},                   {effCanBeAutomated, 26},
+        {effGetProgramNameIndexed, 29},      {effGetPlugCategory, 35},
+        {effSetSpeakerArrangement, 42},      {effGetEffectName, 45},
+        {effCanDo, 51},                      {effGetParameterProperties, 56},
+        {effGetVstVersion, 58},              {effEditKeyDown, 59},
+        {effSetProcessPrecision, 77},        {effGetNumMidiOutputChannels, 79},
+        {audioMasterPinConnected, 4},        {audioMasterIOChanged, 13},
+        {audioMasterUpdateDisplay, 42},      {audioMasterEndEdit, 44},
+        {effFlagsCanDoubleReplacing, 1 << 12}, {kVstParameterCanRamp, 1 << 6},
+    };
+    for (const auto& [got, want] : numbers) EXPECT_EQ(got, want);
 }

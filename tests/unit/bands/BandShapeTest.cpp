@@ -1,5 +1,6 @@
-// Band curves on the plot grid: against the analytic |H|² of each shape's prototype, the
-// slopes and levels the shape names promise, and the two routine families against each other.
+// The section of each shape and its curve on the plot grid, against the bilinear image and the
+// analytic |H|² of the shape's analog prototype; the slopes and levels the shape names promise;
+// and the two curve routines against each other.
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,7 @@ namespace {
 
 using namespace bands_test;
 using dsp::BandSettings;
+using dsp::BiquadCoefficients;
 using dsp::Curve;
 using dsp::kPlotPoints;
 
@@ -51,7 +53,7 @@ class CurveAgainstAnalytic : public ::testing::TestWithParam<RateCase> {};
 
 TEST_P(CurveAgainstAnalytic, EveryShapeFrequencyQAndGain) {
     const RateCase rc = GetParam();
-    for (int bandType = 0; bandType < 7; ++bandType)
+    for (int bandType = 0; bandType < 14; ++bandType)  // 7..13 are switched off: flat
         for (double f : {40.0, 1000.0, 9000.0})
             for (double q : {0.1, 0.5, 0.95})
                 for (double g : {-11.0, -4.0, 9.0}) {
@@ -80,52 +82,30 @@ INSTANTIATE_TEST_SUITE_P(Rates, CurveAgainstAnalytic,
                                            RateCase{192000, 192000}, RateCase{47250, 48000},
                                            RateCase{22050, 44100}));
 
-TEST(BandCurveShape, CutsFallAtTheirNamedSlopes) {
+// The prototypes themselves against what the shapes' names promise.
+TEST(BandCurveShape, LevelsAndSlopesAreWhatTheNamesPromise) {
     // Well below (above) the corner a section of order n squared falls at 2n·20·log10(2) dB
-    // per octave, the "12" and "24 dB/oct" of the names.
-    const double perOrder = 2.0 * 20.0 * std::log10(2.0);
-    // The high cuts are measured at the highest rate class, where the bilinear frequency
-    // warping is still negligible an octave or two above 1 kHz.
-    const double rate = 192000.0;
+    // per octave, the "12" and "24 dB/oct" of the names; the high cuts are measured at the
+    // highest rate class, where the bilinear warping is negligible an octave above 1 kHz.
+    const double perOrder = 2.0 * 20.0 * std::log10(2.0), rate = 192000.0;
     const int low = gridIndexNear(25.0), lowOctave = gridIndexNear(50.0);
     const int high = gridIndexNear(1000.0), highOctave = gridIndexNear(2000.0);
     EXPECT_NEAR(slope(curveOf({0, 2000.0, 0.5, 0.0}, rate), low, lowOctave), perOrder, 0.01);
     EXPECT_NEAR(slope(curveOf({1, 2000.0, 0.5, 0.0}, rate), low, lowOctave), 2 * perOrder, 0.01);
     EXPECT_NEAR(slope(curveOf({5, 40.0, 0.5, 0.0}, rate), high, highOctave), -perOrder, 0.02);
     EXPECT_NEAR(slope(curveOf({6, 40.0, 0.5, 0.0}, rate), high, highOctave), -2 * perOrder, 0.02);
-    // Passbands stay flat.
-    EXPECT_NEAR(curveOf({1, 100.0, 0.5, 0.0}, rate)[high], 0.0, 1e-3);
+    EXPECT_NEAR(curveOf({1, 100.0, 0.5, 0.0}, rate)[high], 0.0, 1e-3);  // passbands stay flat
     EXPECT_NEAR(curveOf({6, 2000.0, 0.5, 0.0}, rate)[low], 0.0, 1e-3);
-}
-
-TEST(BandCurveShape, ShelvesLevelOutAtTwiceTheSectionGain) {
-    for (double rate : {44100.0, 192000.0})
-        for (double g : {-12.0, 9.0}) {
-            const CurveOf lowShelf = curveOf({2, 1000.0, 0.5, g}, rate);
-            EXPECT_NEAR(lowShelf[0], 2 * g, 0.01);
-            EXPECT_NEAR(lowShelf[kPlotPoints - 1], 0.0, 0.01);
-            const CurveOf highShelf = curveOf({4, 300.0, 0.5, g}, rate);
-            EXPECT_NEAR(highShelf[0], 0.0, 0.02);
-            EXPECT_NEAR(highShelf[kPlotPoints - 1], 2 * g, 0.01);
-        }
-}
-
-TEST(BandCurveShape, PeakingShowsTwiceTheSectionGainAtItsCentre) {
-    const int centre = 200;
-    const double f = dsp::plotFrequency(centre);
-    for (double rate : {44100.0, 48000.0, 96000.0}) {
-        const CurveOf up = curveOf({3, f, 0.5, 12.0}, rate);
-        EXPECT_NEAR(up[centre], 24.0, 1e-4);
-        EXPECT_LT(up[centre - 1], up[centre]);
-        EXPECT_LT(up[centre + 1], up[centre]);
-        EXPECT_NEAR(curveOf({3, f, 0.8, -7.5}, rate)[centre], -15.0, 1e-4);
-    }
-}
-
-TEST(BandCurveShape, BypassedTypesAreFlat) {
-    for (int bandType = 7; bandType <= 13; ++bandType) {
-        const CurveOf c = curveOf({bandType, 700.0, 0.3, 11.0}, 48000.0);
-        for (int i = 0; i < kPlotPoints; ++i) ASSERT_EQ(c[i], 0.0f) << bandType << " " << i;
+    // Shelves level out, and a peak tops out at its centre, at twice the section gain.
+    for (double g : {-12.0, 9.0}) {
+        EXPECT_NEAR(curveOf({2, 1000.0, 0.5, g}, 44100.0)[0], 2 * g, 0.01);
+        EXPECT_NEAR(curveOf({2, 1000.0, 0.5, g}, 44100.0)[kPlotPoints - 1], 0.0, 0.01);
+        EXPECT_NEAR(curveOf({4, 300.0, 0.5, g}, 192000.0)[0], 0.0, 0.02);
+        EXPECT_NEAR(curveOf({4, 300.0, 0.5, g}, 192000.0)[kPlotPoints - 1], 2 * g, 0.01);
+        const CurveOf peak = curveOf({3, dsp::plotFrequency(200), 0.5, g}, 48000.0);
+        EXPECT_NEAR(peak[200], 2 * g, 1e-4);
+        EXPECT_GT(std::fabs(peak[200]), std::fabs(peak[199]));
+        EXPECT_GT(std::fabs(peak[200]), std::fabs(peak[201]));
     }
 }
 
@@ -145,6 +125,63 @@ TEST(BandCurveRoutines, Sse2AndPlainAgreeBitForBit) {
         dsp::computeBandCurveSse2(section, grid, sse2);
         ASSERT_EQ(std::memcmp(plain, sse2, sizeof(Curve)), 0) << "round " << round << " type " << band.bandType;
     }
+}
+
+const double kDesignRates[] = {44100.0, 48000.0, 88200.0, 96000.0, 176400.0, 192000.0, 47250.0, 22050.0};
+// 20 kHz lies above Nyquist at 22050; the formulas apply there unchanged.
+const double kFrequencies[] = {20.0, 63.0, 440.0, 1000.0, 5500.0, 10000.0, 20000.0};
+const double kQs[] = {0.0, 0.13, 0.5, 0.81, 1.0};
+const double kGains[] = {-12.0, -3.5, 0.0, 4.25, 12.0};
+
+void expectNear(double expected, double actual, const std::string& what) {
+    EXPECT_NEAR(actual, expected, 1e-9 * std::max(1.0, std::fabs(expected))) << what;
+}
+
+class SectionOfEachShape : public ::testing::TestWithParam<int> {};
+
+TEST_P(SectionOfEachShape, MatchesBilinearImageOfPrototype) {
+    const int bandType = GetParam();
+    for (double rate : kDesignRates)
+        for (double f : kFrequencies)
+            for (double q : kQs)
+                for (double g : kGains) {
+                    const BandSettings band{bandType, f, q, g};
+                    const BiquadCoefficients got = dsp::designBandSection(band, rate);
+                    const BiquadCoefficients want = bilinearSection(band, rate);
+                    const std::string what = "type " + std::to_string(bandType) + " rate " + std::to_string(rate) +
+                                             " f " + std::to_string(f) + " q " + std::to_string(q) + " g " +
+                                             std::to_string(g);
+                    for (auto field : {&BiquadCoefficients::b0, &BiquadCoefficients::b1, &BiquadCoefficients::b2,
+                                       &BiquadCoefficients::a1, &BiquadCoefficients::a2})
+                        expectNear(want.*field, got.*field, what);
+                }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, SectionOfEachShape, ::testing::Range(0, 7));
+
+TEST(BandSectionDesign, EveryBypassedTypeIsIdentityWhateverItsValues) {
+    for (int bandType = 7; bandType <= 13; ++bandType)
+        for (double g : kGains) {
+            const BandSettings band{bandType, 1234.0, 0.9, g};
+            EXPECT_TRUE(isIdentity(dsp::designBandSection(band, 48000.0))) << bandType;
+        }
+}
+
+TEST(BandSectionDesign, DenormalCoefficientsAreFlushedToZero) {
+    // A gain of -12400 dB (reachable with a normalized value far outside 0..1) makes the
+    // low shelf's numerator about 1e-310, below the smallest normal double.
+    const BiquadCoefficients c = dsp::designBandSection({2, 1000.0, 0.5, -12400.0}, 44100.0);
+    EXPECT_EQ(c.b0, 0.0);
+    EXPECT_EQ(c.b1, 0.0);
+    EXPECT_EQ(c.b2, 0.0);
+    EXPECT_NE(c.a1, 0.0);
+    for (int bandType = 0; bandType < 7; ++bandType)
+        for (double f : {20.0, 20000.0})
+            for (double rate : {11025.0, 192000.0}) {
+                const BiquadCoefficients s = dsp::designBandSection({bandType, f, 0.5, 12.0}, rate);
+                for (double x : {s.b0, s.b1, s.b2, s.a1, s.a2})
+                    EXPECT_NE(std::fpclassify(x), FP_SUBNORMAL) << bandType << " " << f << " " << rate;
+            }
 }
 
 }  // namespace

@@ -1,0 +1,375 @@
+// What the analyzer reads for steady tones, its floor, its modes and its weightings; when each
+// group of bands updates and how fast the detectors release; and its two routines.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <xmmintrin.h>
+
+#include "AnalyzerTestSupport.h"
+#include "platform/CpuFeatures.h"
+
+namespace {
+
+using namespace analyzer_test;
+
+constexpr int kPeak = 0;
+constexpr int kAverage = 1;
+
+// An analyzer at `rate`, settled on a 1 kHz sine of amplitude 1.
+struct SettledOnTone {
+    SPAN span;
+    long phase = 0;
+    float rate;
+
+    SettledOnTone(float rate, int order, int mode) : span(SPAN::Routine::scalar), rate(rate) {
+        span.setFilterOrder(order);
+        span.setSampleRate(rate);
+        span.setMode(mode);
+        feedSine(span, 1000.0, rate, static_cast<long>(rate * 1.5), phase);
+    }
+    Bars mean(double seconds) {
+        return meanReadings(span, 1000.0, rate, static_cast<long>(rate * seconds), 97, phase);
+    }
+};
+
+class OneKilohertzAtEveryRate : public ::testing::TestWithParam<int> {};
+
+TEST_P(OneKilohertzAtEveryRate, MatchesThePredictionAndReadsTheSameEverywhere) {
+    const int order = GetParam();
+    float band13[6];
+    for (int r = 0; r < 6; ++r) {
+        SettledOnTone tone(kRates[r], order, kAverage);
+        const Bars b = tone.mean(0.5);
+        for (int i = 11; i <= 15; ++i)
+            EXPECT_NEAR(b[i], predictedReadingDb(i, 1000.0, kRates[r], order), 0.05) << "band " << i << " at " << kRates[r];
+        for (int i = 0; i < SPAN::kBands; ++i)  // the farther bands lie below the next neighbours
+            if (i < 11 || i > 15) {
+                EXPECT_LT(b[i], std::max(b[11], b[15])) << "band " << i << " at " << kRates[r];
+            }
+        band13[r] = b[13];
+    }
+    for (int r = 1; r < 6; ++r) EXPECT_NEAR(band13[r], band13[0], 0.06) << kRates[r];
+}
+
+INSTANTIATE_TEST_SUITE_P(BothOrders, OneKilohertzAtEveryRate, ::testing::Values(2, 6),
+                         [](const auto& info) { return "order" + std::to_string(info.param); });
+
+// The figures a user reads for a 1 kHz sine at 48 kHz, in both detector modes: band 13 at 0 dB,
+// the bands a third and two thirds of an octave above at about −18.2 / −36.8 dB (order 6) and
+// −11.6 / −17.6 dB (order 2). The bands below run at half the rate and read a little lower.
+TEST(OneKilohertzAt48k, ReadsTheNominalFiguresInBothModes) {
+    struct Case {
+        int order;
+        float neighbour, nextNeighbour;
+    };
+    for (const Case c : {Case{6, -18.2f, -36.8f}, Case{2, -11.6f, -17.6f}})
+        for (int mode : {kPeak, kAverage}) {
+            SettledOnTone tone(48000.0f, c.order, mode);
+            const Bars b = tone.mean(0.5);
+            SCOPED_TRACE("order " + std::to_string(c.order) + (mode == kPeak ? " peak" : " average"));
+            EXPECT_NEAR(b[13], 0.0, 0.15);
+            EXPECT_NEAR(b[12], c.neighbour, 0.2);
+            EXPECT_NEAR(b[11], c.nextNeighbour, 0.2);
+            EXPECT_NEAR(b[14], c.neighbour, 0.6);
+            EXPECT_NEAR(b[15], c.nextNeighbour, 1.0);
+        }
+}
+
+class ToneInEveryBand : public ::testing::TestWithParam<int> {};
+
+// A sine at a band's nominal centre reads 0 dB there, up to what the decimation low-passes
+// on its way take off (about 0.1 dB each for order 2, nothing visible for order 6).
+TEST_P(ToneInEveryBand, ReadsZeroInItsOwnBand) {
+    const int order = GetParam();
+    for (float rate : {44100.0f, 48000.0f}) {
+        for (int band = 0; band < SPAN::kBands; ++band) {
+            SPAN span(SPAN::Routine::scalar);
+            span.setFilterOrder(order);
+            span.setSampleRate(rate);
+            span.setMode(kAverage);
+            const double f = nominalCentre(band);
+            long phase = 0;
+            feedSine(span, f, rate, static_cast<long>(rate * 1.2), phase);
+            const Bars b = meanReadings(span, f, rate, static_cast<long>(rate * 0.5), 101, phase);
+            EXPECT_NEAR(b[band], predictedReadingDb(band, f, rate, order), 0.05) << "band " << band << " at " << rate;
+            EXPECT_NEAR(b[band], 0.0, order == 2 ? 0.55 : 0.1) << "band " << band << " at " << rate;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothOrders, ToneInEveryBand, ::testing::Values(2, 6),
+                         [](const auto& info) { return "order" + std::to_string(info.param); });
+
+TEST(SpanInactive, UnsupportedRateMeasuresNothingAndReadsTheFloor) {
+    SPAN span(SPAN::Routine::scalar);
+    span.setSampleRate(32000.0f);
+    EXPECT_EQ(span.sampleRate(), 0.0f);
+    long phase = 0;
+    feedSine(span, 1000.0, 32000.0, 32000, phase);
+    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -200.0f);
+    span.setMode(kAverage);
+    for (float v : readBars(span).db) EXPECT_NEAR(v, -96.99f, 0.005f);
+    span.setMode(2);
+    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -100.0f);
+
+    // Speed and order changes keep it inactive; a supported rate wakes it up.
+    span.setSpeed(1);
+    span.setFilterOrder(6);
+    EXPECT_EQ(span.sampleRate(), 0.0f);
+    span.setSampleRate(48000.0f);
+    EXPECT_EQ(span.sampleRate(), 48000.0f);
+    feedSine(span, 1000.0, 48000.0, 72000, phase);
+    EXPECT_NEAR(readBars(span)[13], -3.01, 0.15);
+}
+
+TEST(SpanWeighting, OffsetsFollowTheTablesFromTheLowestBandUp) {
+    SPAN span(SPAN::Routine::scalar);
+    span.setMode(2);  // readings of the floor are then exactly -100 dB
+    // A and C weighting, 1 kHz the reference: band 30 is 20 Hz, band 9 2.5 kHz, band 0 20 kHz.
+    const struct {
+        int weighting, band;
+        float db;
+    } cases[] = {{1, 30, -150.5f}, {1, 9, -98.7f}, {1, 13, -100.0f}, {1, 0, -109.3f},
+                 {2, 30, -106.2f}, {2, 0, -111.2f}, {2, 15, -100.0f}};
+    for (const auto& c : cases) {
+        span.setWeighting(c.weighting);
+        EXPECT_NEAR(readBars(span)[c.band], c.db, 1e-4f) << c.weighting << " band " << c.band;
+    }
+    span.setWeighting(7);  // anything else is flat
+    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -100.0f);
+}
+
+TEST(SpanModes, SwitchingToAverageKeepsASteadyReading) {
+    SettledOnTone tone(48000.0f, 6, kPeak);
+    const Bars before = readBars(tone.span);
+    tone.span.setMode(kAverage);
+    const Bars after = readBars(tone.span);
+    for (int i = 0; i < SPAN::kBands; ++i) {
+        if (before[i] > -90.0f) {
+            EXPECT_NEAR(after[i], before[i], 0.001) << "band " << i;
+        }
+    }
+    EXPECT_NEAR(after[13], 0.0, 0.15);
+}
+
+TEST(SpanModes, SwitchingBackToPeakRecoversWithinOnePeriod) {
+    SettledOnTone tone(48000.0f, 6, kAverage);
+    tone.span.setMode(kPeak);
+    // No conversion: the mean square 0.5 of the sine now reads as an amplitude.
+    EXPECT_NEAR(readBars(tone.span)[13], -6.02, 0.2);
+    feedSine(tone.span, 1000.0, 48000.0, 48, tone.phase);
+    EXPECT_NEAR(readBars(tone.span)[13], 0.0, 0.15);
+}
+
+TEST(SpanModes, HigherModeDetectsLikeAverageWithoutTheSineOffset) {
+    SettledOnTone average(48000.0f, 6, kAverage);
+    SettledOnTone higher(48000.0f, 6, 3);
+    const Bars a = readBars(average.span), h = readBars(higher.span);
+    for (int i = 0; i < SPAN::kBands; ++i) EXPECT_NEAR(h[i], a[i] - 3.0103f, 1e-3) << "band " << i;
+}
+
+TEST(SpanLifecycle, StartsAtOrder2Peak44100AndDropsToTheFloorOnEveryRestart) {
+    SPAN span(SPAN::Routine::scalar);
+    span.getBars(nullptr);  // a null read-out is ignored
+    EXPECT_EQ(span.sampleRate(), 44100.0f);
+    EXPECT_EQ(span.filterOrder(), 2);
+    EXPECT_EQ(span.mode(), kPeak);
+    EXPECT_EQ(span.speed(), 0);
+
+    long phase = 0;
+    auto measureThen = [&](auto restart) {
+        feedSine(span, 1000.0, span.sampleRate(), 20000, phase);
+        ASSERT_GT(readBars(span)[13], -1.0f);
+        restart();
+        for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -200.0f);
+    };
+    measureThen([&] { span.reset(); });
+    measureThen([&] { span.setSampleRate(48000.0f); });
+    measureThen([&] { span.setSpeed(2); });
+    measureThen([&] { span.setFilterOrder(6); });
+    span.setFilterOrder(4);  // anything but 2 is order 6
+    EXPECT_EQ(span.filterOrder(), 6);
+    span.setFilterOrder(2);
+    EXPECT_EQ(span.filterOrder(), 2);
+}
+
+struct Group {
+    const char* name;
+    int firstBand;
+    int lastBand;
+};
+
+constexpr Group kGroups[] = {
+    {"top", 0, 7},       {"stage 0", 8, 10},  {"stage 1", 11, 13}, {"stage 2", 14, 16},
+    {"stage 3", 17, 19}, {"stage 4", 20, 22}, {"bottom", 23, 30},
+};
+
+// The samples (counted from 1 after a restart) on which each group's levels changed.
+std::vector<std::set<int>> observedUpdates(SPAN& span, int samples) {
+    std::vector<std::set<int>> updates(std::size(kGroups));
+    Noise noise(12345);
+    Bars last = readBars(span);
+    for (int n = 1; n <= samples; ++n) {
+        span.processSample(noise.next());
+        const Bars now = readBars(span);
+        for (std::size_t g = 0; g < std::size(kGroups); ++g) {
+            bool changed = false;
+            for (int i = kGroups[g].firstBand; i <= kGroups[g].lastBand; ++i) changed |= now[i] != last[i];
+            if (changed) updates[g].insert(n);
+        }
+        last = now;
+    }
+    return updates;
+}
+
+// Group g (0 top, 1-5 stages 0-4, 6 bottom) first runs on sample `first` and then every
+// `period` samples.
+std::set<int> schedule(int first, int period, int samples) {
+    std::set<int> s;
+    for (int n = first; n <= samples; n += period) s.insert(n);
+    return s;
+}
+
+class SpanSchedule : public ::testing::TestWithParam<SPAN::Routine> {};
+
+TEST_P(SpanSchedule, GroupsRunOnTheirOwnStaggeredSamples) {
+    constexpr int kSamples = 200;
+    const std::set<int> expected[] = {
+        schedule(1, 1, kSamples), schedule(1, 1, kSamples),  schedule(2, 2, kSamples),
+        schedule(3, 4, kSamples), schedule(5, 8, kSamples),  schedule(9, 16, kSamples),
+        schedule(17, 32, kSamples),
+    };
+    SPAN span(GetParam());
+    span.setSampleRate(48000.0f);  // peak mode: the first, tiny outputs of a stage already lift its levels
+    for (int pass = 0; pass < 2; ++pass) {  // the same again after a reset
+        const auto updates = observedUpdates(span, kSamples);
+        for (std::size_t g = 0; g < std::size(kGroups); ++g) {
+            EXPECT_EQ(updates[g], expected[g]) << kGroups[g].name << ", pass " << pass;
+        }
+        EXPECT_EQ(*updates[6].begin(), 17);  // the bottom group's first update
+        span.reset();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothRoutines, SpanSchedule,
+                         ::testing::Values(SPAN::Routine::scalar, SPAN::Routine::vector),
+                         [](const auto& info) { return info.param == SPAN::Routine::scalar ? "scalar" : "vector"; });
+
+// After a tone stops, a peak reading falls by 20 log10(e) dB per time constant and an
+// average reading by half that. One band per group; bands ring out long before the
+// measurement starts.
+struct SpeedCase {
+    int speed;
+    double upperSeconds;
+    double bottomSeconds;
+};
+
+class SpanRelease : public ::testing::TestWithParam<SpeedCase> {};
+
+TEST_P(SpanRelease, FollowsTheTimeConstantOfTheSpeed) {
+    const SpeedCase c = GetParam();
+    constexpr float kRate = 48000.0f;
+    constexpr int kProbeBands[] = {4, 9, 12, 15, 18, 21, 24};
+    for (int mode : {0, 1}) {
+        for (int band : kProbeBands) {
+            SPAN span(SPAN::Routine::scalar);
+            span.setFilterOrder(6);
+            span.setSampleRate(kRate);
+            span.setSpeed(c.speed);
+            span.setMode(mode);
+            long phase = 0;
+            feedSine(span, nominalCentre(band), kRate, static_cast<long>(kRate * 3 * c.bottomSeconds), phase);
+
+            const double t = band >= 23 ? c.bottomSeconds : c.upperSeconds;
+            feedSilence(span, static_cast<long>(kRate * 0.5));
+            const float start = readBars(span)[band];
+            feedSilence(span, static_cast<long>(kRate * t));
+            const float end = readBars(span)[band];
+
+            const double perTimeConstant = (mode == 0 ? 20.0 : 10.0) * std::log10(std::exp(1.0));
+            EXPECT_NEAR(start - end, perTimeConstant, 0.01 * perTimeConstant)
+                << "band " << band << (mode == 0 ? " peak" : " average");
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySpeed, SpanRelease,
+                         ::testing::Values(SpeedCase{0, 0.125, 0.125}, SpeedCase{1, 0.25, 0.25},
+                                           SpeedCase{2, 1.0, 1.0}, SpeedCase{3, 0.15, 0.3},
+                                           SpeedCase{4, 0.25, 0.5}, SpeedCase{9, 0.125, 0.125}),
+                         [](const auto& info) { return "speed" + std::to_string(info.param.speed); });
+
+TEST(SpanRoutine, ProcessorTestChoosesTheVectorRoutine) {
+    EXPECT_EQ(SPAN().usesVectorRoutine(), platform::cpuFeatures().usable(platform::kCpuSse2));
+    EXPECT_FALSE(SPAN(SPAN::Routine::scalar).usesVectorRoutine());
+    EXPECT_TRUE(SPAN(SPAN::Routine::vector).usesVectorRoutine());
+}
+
+struct AgreementCase {
+    float rate;
+    int order;
+    int mode;
+};
+
+class SpanRoutinesAgree : public ::testing::TestWithParam<AgreementCase> {};
+
+// Noise with bursts, level jumps and stretches of silence (so that filter states decay far
+// down), read out all along.
+TEST_P(SpanRoutinesAgree, OnLongRandomSignals) {
+    const AgreementCase c = GetParam();
+    SPAN scalar(SPAN::Routine::scalar), vector(SPAN::Routine::vector);
+    for (SPAN* s : {&scalar, &vector}) {
+        s->setFilterOrder(c.order);
+        s->setSampleRate(c.rate);
+        s->setMode(c.mode);
+        s->setSpeed(3);
+    }
+    Noise noise(987654321u);
+    Noise gains(42u);
+    float maxDifference = 0.0f;
+    constexpr int kBlocks = 160;
+    constexpr int kBlockSize = 4096;
+    for (int block = 0; block < kBlocks; ++block) {
+        const float r = 0.5f * (gains.next() + 1.0f);
+        const float gain = block % 7 == 3 ? 0.0f : std::pow(10.0f, -4.0f * r);
+        for (int n = 0; n < kBlockSize; ++n) {
+            const float x = gain * noise.next();
+            scalar.processSample(x);
+            vector.processSample(x);
+        }
+        const Bars a = readBars(scalar), b = readBars(vector);
+        for (int i = 0; i < SPAN::kBands; ++i) {
+            ASSERT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i])) << "band " << i;
+            maxDifference = std::max(maxDifference, std::abs(a[i] - b[i]));
+        }
+    }
+    EXPECT_LT(maxDifference, 1e-3f);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, SpanRoutinesAgree,
+                         ::testing::Values(AgreementCase{44100.0f, 2, 0}, AgreementCase{48000.0f, 6, 0},
+                                           AgreementCase{96000.0f, 6, 1}, AgreementCase{192000.0f, 2, 1}),
+                         [](const auto& info) {
+                             return std::to_string(static_cast<int>(info.param.rate)) + "Hz_order" +
+                                    std::to_string(info.param.order) + "_mode" + std::to_string(info.param.mode);
+                         });
+
+TEST(SpanRoutine, VectorRoutineRestoresTheFloatingPointModes) {
+    constexpr unsigned kFlushModes = 0x8000u | 0x0040u;  // flush-to-zero, denormals-are-zero
+    constexpr unsigned kRoundUp = 0x4000u;
+    SPAN span(SPAN::Routine::vector);
+    const unsigned saved = _mm_getcsr();
+    Noise noise(7);
+    for (unsigned modes : {saved & ~kFlushModes, (saved & ~kFlushModes) | kRoundUp, saved | kFlushModes}) {
+        _mm_setcsr(modes);
+        for (int n = 0; n < 100; ++n) span.processSample(noise.next());
+        const unsigned after = _mm_getcsr();
+        _mm_setcsr(saved);
+        EXPECT_EQ(after & ~0x3Fu, modes & ~0x3Fu);  // exception flags aside
+    }
+}
+
+}  // namespace
