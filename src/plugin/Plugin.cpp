@@ -341,6 +341,9 @@ void Plugin::setParameter(VstInt32 index, float value) {
         values[index] = value;
         int band, side, field;
         if (bandParameter(index, band, side, field)) {
+            // Under the design lock: a rate change on another thread redesigns every band
+            // from these settings.
+            platform::TimedLock::Guard design(designLock);
             if (applyBandParameter(index, value)) updateBand(band);
         } else {
             const int previous = steps[index];
@@ -450,16 +453,20 @@ void Plugin::setBandFromEditor(int b, BandField field, float value) {
     const bool right = (channel == kChannelRight || channel == kChannelLink) && !mono;
     const int sideIndex[2] = {bandIndex(field, 0, b), bandIndex(field, 1, b)};
     const bool write[2] = {left, right};
-    for (int side = 0; side < 2; ++side) {
-        if (!write[side]) continue;
-        values[sideIndex[side]] = value;
-        if (field == kFreqField)
-            bandModel.setFrequency(side, b, 20.0f * std::pow(10.0f, 3.0f * value));  // as the editor shows it
-        else
-            storeBandValue(side, b, field, value);
-        CPresetSystemEffect::setParameter(sideIndex[side], value);
+    {
+        platform::TimedLock::Guard design(designLock);
+        for (int side = 0; side < 2; ++side) {
+            if (!write[side]) continue;
+            values[sideIndex[side]] = value;
+            if (field == kFreqField)
+                bandModel.setFrequency(side, b, 20.0f * std::pow(10.0f, 3.0f * value));  // as the editor shows it
+            else
+                storeBandValue(side, b, field, value);
+            CPresetSystemEffect::setParameter(sideIndex[side], value);
+        }
+        updateBand(b);
     }
-    updateBand(b);
+    // The host hears of it outside our locks.
     for (int side = 0; side < 2; ++side)
         if (write[side]) callHost(audioMasterAutomate, sideIndex[side], 0, nullptr, value);
 }

@@ -1,5 +1,6 @@
 // The plug-in processing on one thread while a second automates band parameters, FAT,
-// Resolution and LinPhase and a third pauses it and changes the block size, as hosts do.
+// Resolution and LinPhase and auditions bands, and a third pauses it and changes the block
+// size and the sample rate, as hosts do.
 // Meant to run under ThreadSanitizer: every field the audio thread reads must be handed over
 // without a data race, and the output must stay finite throughout.
 
@@ -81,6 +82,10 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
                 case 1: plugin->setParameter(params::kResolution, stepValue(rng() % 2, 3)); break;
                 default: plugin->setParameter(params::kLinPhase, stepValue(rng() % 2, 2)); break;
             }
+            // The editor holding a band now and then.
+            plugin->setAuditionBand(round % 4 == 0 ? b : -1);
+            plugin->setAuditionWidth(u(rng));
+            plugin->setAuditionLevel(u(rng));
             plugin->resetOutputPeaks();
         }
     });
@@ -90,7 +95,9 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
         int k = 0;
         while (!stop.load(std::memory_order_relaxed)) {
             plugin->suspend();
-            plugin->setBlockSize(sizes[k++ % 4]);
+            plugin->setBlockSize(sizes[k % 4]);
+            if (k % 8 == 7) plugin->setSampleRate(k % 16 == 7 ? 48000.0f : 44100.0f);
+            ++k;
             char text[Plugin::kLatencyTextSize];
             plugin->getLatencyText(text);
             plugin->resume();
