@@ -1,10 +1,11 @@
 #pragma once
-// Preset, bank and chunk images written byte by byte with the offsets spelled out as numbers,
-// sharing no code with the plug-in's own image writer; a preset layer with the plug-in's identity
-// and save/load exclusions but none of its engine; and a store folder of the test's own.
+// Preset, bank and chunk images written byte by byte with the offsets spelled out, sharing no code
+// with the plug-in's writer; a preset layer with the plug-in's identity and exclusions but no
+// engine; and a store folder of the test's own.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
@@ -29,43 +30,31 @@ class Bytes {
 public:
     explicit Bytes(bool bigEndian = false) : big_(bigEndian) {}
 
-    Bytes& u8(uint8_t v) {
-        data.push_back(v);
-        return *this;
-    }
+    Bytes& u8(uint8_t v) { return data.push_back(v), *this; }
     Bytes& u32(uint32_t v) {
         for (int i = 0; i < 4; ++i) data.push_back(static_cast<uint8_t>(v >> (big_ ? 24 - 8 * i : 8 * i)));
         return *this;
     }
     Bytes& i32(int32_t v) { return u32(static_cast<uint32_t>(v)); }
     Bytes& f32(float v) { return u32(std::bit_cast<uint32_t>(v)); }
-    Bytes& zeros(size_t n) {
-        data.insert(data.end(), n, 0);
-        return *this;
-    }
-    Bytes& text(std::string_view s, size_t field = 24) {  // s, then zeros up to field bytes
-        data.insert(data.end(), s.begin(), s.end());
-        return zeros(field - s.size());
-    }
+    Bytes& zeros(size_t n) { return data.insert(data.end(), n, 0), *this; }
+    Bytes& text(std::string_view s, size_t field = 24) { return data.insert(data.end(), s.begin(), s.end()), zeros(field - s.size()); }
     Bytes& magic() { return u32(kUniqueId); }
-    Bytes& append(const std::vector<uint8_t>& more) {
-        data.insert(data.end(), more.begin(), more.end());
-        return *this;
-    }
-    // Record image header, 41 bytes: magic, type, version, slots, records, current, payload, 16 zeros.
+    Bytes& append(const std::vector<uint8_t>& more) { return data.insert(data.end(), more.begin(), more.end()), *this; }
+    // Header, 41 bytes: magic, type, version, slots, records, current, payload, 16 zeros.
     Bytes& header(uint8_t type, int32_t records, int32_t current, uint32_t payload, int32_t slots = 94) {
         return magic().u8(type).u32(0x02000000).i32(slots).i32(records).i32(current).u32(payload).zeros(16);
     }
-    // Name record: type 0, body 156 (name in 24 bytes, then 132 zero bytes).
+    // Name record: type 0, body 156 (the name in 24 bytes, 132 zeros). Value record: type 1, body
+    // 20 (slot, 0, 0, value, 0).
     Bytes& nameRecord(int32_t preset, std::string_view name) { return u32(0).u32(156).i32(preset).text(name).zeros(132); }
-    // Value record: type 1, body 20 (slot, 0, 0, value, 0).
     Bytes& valueRecord(int32_t preset, uint32_t slot, float value) {
         return u32(1).u32(20).i32(preset).u32(slot).u32(0).u32(0).f32(value).u32(0);
     }
     Bytes& record(uint32_t type, int32_t preset, const std::vector<uint8_t>& body) {
         return u32(type).u32(static_cast<uint32_t>(body.size())).i32(preset).append(body);
     }
-    // A legacy block: a 24-byte name and count floats from slot 0, one of them replaced.
+    // A legacy block: a 24-byte name and `count` floats from slot 0, one of them optionally replaced.
     Bytes& legacyBlock(std::string_view name, int count, int preset, int badSlot = -1, float bad = 0);
 
     size_t size() const { return data.size(); }
@@ -88,7 +77,7 @@ inline Bytes& Bytes::legacyBlock(std::string_view name, int count, int preset, i
     return *this;
 }
 
-// A whole preset image: one name record, then the given value records.
+// A preset image: one name record, then the given value records.
 inline Bytes presetImage(bool big, std::string_view name, const SlotValues& values, int32_t recordIndex = 0) {
     Bytes b(big);
     b.header(0x22, static_cast<int32_t>(1 + values.size()), 0, 168 + 32 * static_cast<uint32_t>(values.size()));
@@ -110,7 +99,7 @@ inline Bytes handBank(bool big, int32_t current, const std::string& prefix = "Ba
     return b;
 }
 
-// The same bank as a host chunk: an 8-byte prefix (version 2, magic) before the image.
+// The same bank as a host chunk: version 2 and the magic before the image.
 inline std::vector<uint8_t> handChunk(bool big, int32_t current, const std::string& prefix = "Bank",
                                       int badPreset = -1, int badSlot = -1, float bad = 0) {
     return Bytes(big).u32(0x02000000).magic().append(handBank(big, current, prefix, badPreset, badSlot, bad).data).data;
@@ -128,33 +117,36 @@ inline void writeBytes(const std::string& path, const std::vector<uint8_t>& byte
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
-// Sets or clears an environment variable for the lifetime of the object.
+inline std::vector<std::string> folderEntries(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& e : std::filesystem::directory_iterator(folder)) names.push_back(e.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Sets (or, for nullptr, clears) an environment variable for the lifetime of the object.
 class ScopedEnv {
 public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old, had_ = true;
-        if (value) setenv(name, value, 1);
-        else unsetenv(name);
+    ScopedEnv(const char* name, const char* value) : name_(name), old_(std::getenv(name) ? std::getenv(name) : "") {
+        had_ = std::getenv(name) != nullptr;
+        value ? setenv(name, value, 1) : unsetenv(name);
     }
-    ~ScopedEnv() {
-        if (had_) setenv(name_, old_.c_str(), 1);
-        else unsetenv(name_);
-    }
+    ~ScopedEnv() { had_ ? setenv(name_, old_.c_str(), 1) : unsetenv(name_); }
 
 private:
     const char* name_;
     std::string old_;
-    bool had_ = false;
+    bool had_;
 };
 
-// Points the per-user store at a fresh folder for the lifetime of the object.
+// A fresh folder for files, with the per-user store pointed inside it, for the lifetime of the object.
 class ScopedStoreFolder {
 public:
     ~ScopedStoreFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(folder_, ignored);
     }
-    const std::string& scratch() const { return folder_; }  // a folder for files; the store is inside
+    const std::string& scratch() const { return folder_; }
     std::string store() const { return folder_ + "/store"; }
 
 private:
@@ -173,11 +165,7 @@ public:
     void showPresetName(const char* name) override { shownNames.emplace_back(name, strnlen(name, 24)); }
     void setPresetMenuTitle(int index, const char* name) override { menuTitles[index] = std::string(name, strnlen(name, 24)); }
     void selectPresetMenuEntry(int index) override { menuSelections.push_back(index); }
-    void forgetDisplay() {
-        shownNames.clear();
-        menuTitles.clear();
-        menuSelections.clear();
-    }
+    void forgetDisplay() { shownNames.clear(), menuTitles.clear(), menuSelections.clear(); }
 
     std::vector<std::string> shownNames;
     std::map<int, std::string> menuTitles;
@@ -188,8 +176,7 @@ class PresetTestEffect : public CPresetSystemEffect {
 public:
     PresetTestEffect() : CPresetSystemEffect(&hostCallback) {
         setUniqueID(fourCharCode('T', 'X', 'v', 'r'));
-        testEditor = new PresetTestEditor(this);
-        setEditor(testEditor);
+        setEditor(testEditor = new PresetTestEditor(this));
     }
 
     bool isExcludedFromSave(int index) override { return index > 84; }
@@ -208,17 +195,16 @@ public:
 
     std::vector<int> selections;
 
-private:
     static VstIntPtr hostCallback(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
         return opcode == audioMasterVersion ? kVstVersion : 0;
     }
+
+private:
     PresetTestEditor* testEditor = nullptr;
 };
 
-// Byte-for-byte equality of presets and banks (names with what follows their NUL, values as bits).
-inline bool samePreset(const presets::PresetRecord& a, const presets::PresetRecord& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
+// Byte-for-byte equality (names with what follows their NUL, values as bits).
+inline bool samePreset(const presets::PresetRecord& a, const presets::PresetRecord& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 inline bool sameBank(const std::vector<presets::PresetRecord>& a, const std::vector<presets::PresetRecord>& b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), sizeof(presets::PresetRecord) * a.size()) == 0;
 }

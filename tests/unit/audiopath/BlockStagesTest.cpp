@@ -1,0 +1,141 @@
+// The block convolution's bookkeeping, the compensation delay, the mid/side buffer rule and the
+// output gain smoother.
+
+#include <gtest/gtest.h>
+
+#include "AudioTestSupport.h"
+#include "dsp/CompensationDelay.h"
+#include "dsp/GainSmoother.h"
+#include "dsp/MidSide.h"
+#include "dsp/PathConvolver.h"
+
+namespace {
+
+using namespace audiotest;
+
+std::vector<double> symmetricKernel(int n, unsigned seed) {
+    std::vector<double> g = randomSignal(n + 1, seed);
+    for (int k = 0; k <= n / 2; ++k) g[n - k] = g[k];
+    return g;
+}
+
+TEST(PathConvolver, OverlapAddGivesEachSidesLinearConvolutionHopMinusOneSamplesLate) {
+    const int n = 32;
+    for (int hop : {32, 16, 7, 1}) {
+        const auto ga = symmetricKernel(n, 1), gb = symmetricKernel(n, 2);
+        DirectConvolution ops(n, ga, gb);
+        dsp::PathConvolver c(64);
+        c.configure(n, hop);
+        EXPECT_EQ(c.delay(), hop + n / 2 - 1);  // hop − 1, plus the kernel's centre
+        const auto xa = randomSignal(300, 10 + hop), xb = randomSignal(300, 20 + hop);
+        for (int i = 0; i < 300; ++i) {
+            double a = xa[i], b = xb[i], ea = 0.0, eb = 0.0;
+            c.process(a, b, ops);
+            for (int k = 0, m = i - (hop - 1); k <= n && m - k >= 0; ++k) ea += ga[k] * xa[m - k], eb += gb[k] * xb[m - k];
+            ASSERT_NEAR(a, ea, 1e-12) << "hop " << hop << " at " << i;
+            ASSERT_NEAR(b, eb, 1e-12) << "hop " << hop << " at " << i;
+        }
+    }
+}
+
+TEST(PathConvolver, AMissingKernelSilencesThatBlock) {
+    const int n = 16, hop = 8;
+    DirectConvolution ops(n);  // a single tap at the centre
+    dsp::PathConvolver c(16);
+    c.configure(n, hop);
+    const int d = c.delay();
+    for (int i = 0; i < 200; ++i) {
+        if (i == 8 * hop - 1) ops.failNext = true;  // side A of the block of inputs 56..63
+        double a = 1.0, b = 1.0;
+        c.process(a, b, ops);
+        const bool lost = i - d >= 7 * hop && i - d < 8 * hop;
+        ASSERT_EQ(a, i < d || lost ? 0.0 : 1.0) << i;
+        ASSERT_EQ(b, i < d ? 0.0 : 1.0) << i;
+    }
+    EXPECT_EQ(c.silencedBlocks(), 1u);
+}
+
+// Feeds +1 on side A at 0 and −1 on side B at 2; where each comes out (−1: never, −2: more
+// than once or altered).
+std::pair<int, int> echoes(dsp::CompensationDelay& d, int length) {
+    int atA = -1, atB = -1;
+    for (int n = 0; n < length; ++n) {
+        double a = n == 0 ? 1.0 : 0.0, b = n == 2 ? -1.0 : 0.0;
+        d.process(a, b);
+        if (a != 0.0) atA = (atA == -1 && a == 1.0) ? n : -2;
+        if (b != 0.0) atB = (atB == -1 && b == -1.0) ? n : -2;
+    }
+    return {atA, atB};
+}
+
+TEST(CompensationDelay, DelaysBothSidesByExactlyDAndSettlesWhenShortened) {
+    dsp::CompensationDelay d;
+    EXPECT_EQ(d.maxDelay(), 98554);
+    for (int delay : {0, 1, 2, 63, 2559, 24638, 98554}) {
+        d.clear();
+        d.setDelay(delay);
+        EXPECT_EQ(echoes(d, delay + 10), std::make_pair(delay, delay + 2));
+    }
+    d.setDelay(200000);
+    EXPECT_EQ(d.delay(), 98554);
+    d.setDelay(-1);
+    EXPECT_EQ(d.delay(), 0);
+
+    dsp::CompensationDelay shorter(1000);
+    shorter.setDelay(900);
+    for (int n = 0; n < 950; ++n) {  // leaves the index beyond the new, shorter ring
+        double a = 0.5, b = 0.25;
+        shorter.process(a, b);
+    }
+    shorter.setDelay(10);
+    for (int n = 0; n < 11; ++n) {
+        double a = 0.0, b = 0.0;
+        shorter.process(a, b);
+    }
+    EXPECT_EQ(echoes(shorter, 30), std::make_pair(10, 12));
+}
+
+TEST(MidSide, NeedsTwoConnectedDistinctBuffersEachWay) {
+    float l[4] = {}, r[4] = {}, ol[4] = {}, orr[4] = {};
+    float *in[2] = {l, r}, *out[2] = {ol, orr}, *same[2] = {l, l}, *missing[2] = {l, nullptr};
+    using Buffers = dsp::ChannelBuffers<float>;
+    EXPECT_TRUE(Buffers::resolve(in, out, true, true).stereo);
+    const Buffers monoOut = Buffers::resolve(in, out, true, false);
+    EXPECT_FALSE(monoOut.stereo);
+    EXPECT_EQ(monoOut.out[1], ol);
+    EXPECT_FALSE(Buffers::resolve(same, out, true, true).stereo);
+    EXPECT_EQ(Buffers::resolve(missing, out, true, true).in[1], l);
+}
+
+TEST(GainSmoother, GlidesToItsTargetWithoutStepsAndFadesOutWithoutDenormals) {
+    for (double rate : {44100.0, 192000.0}) {
+        dsp::GainSmoother g(rate);
+        g.setTarget(dsp::GainSmoother::targetFromParameter(1.0));
+        EXPECT_NEAR(20.0 * std::log10(g.target()), 12.0, 1e-12);  // the Output parameter's top
+        const double delta = g.target() - g.current();
+        double previous = g.current(), largestStep = 0.0;
+        int toOneOverE = -1;
+        for (int n = 1; n <= static_cast<int>(rate); ++n) {
+            const double v = g.next();
+            ASSERT_GE(v, previous);
+            largestStep = std::max(largestStep, v - previous);
+            if (toOneOverE < 0 && g.target() - v < delta / std::numbers::e) toOneOverE = n;
+            previous = v;
+        }
+        EXPECT_LE(largestStep, g.coefficient() * delta * (1.0 + 1e-12));
+        EXPECT_NEAR(g.current(), g.target(), 1e-12);
+        EXPECT_NEAR(toOneOverE, rate / (2.0 * kPi * 30.0), 2.0);  // a 30 Hz one-pole
+
+        g.setTarget(0.0);
+        for (int n = 0; n < 200000; ++n) {
+            const double v = g.next();
+            ASSERT_TRUE(v == 0.0 || std::fpclassify(v) == FP_NORMAL) << n;
+        }
+        EXPECT_LT(g.current(), 1e-40);
+        g.setTarget(0.7);
+        g.jumpToTarget();
+        EXPECT_EQ(g.next(), 0.7);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,199 @@
+// The rate converters, the minimum-phase cascade and the audition filter measured from outside,
+// against analytic responses.
+
+#include <gtest/gtest.h>
+
+#include "AudioTestSupport.h"
+#include "dsp/AuditionFilter.h"
+#include "dsp/MinimumPhaseCascade.h"
+#include "dsp/RateConverters.h"
+
+namespace {
+
+using namespace audiotest;
+using Signal = std::vector<double>;
+using Complex = std::complex<double>;
+
+// A converter pair with nothing between its halves; side B carries the negated signal and must
+// come out negated (the sides never mix).
+template <class C>
+Signal roundTrip(const Signal& x) {
+    C c;
+    Signal y(x.size());
+    for (size_t n = 0; n < x.size(); ++n) {
+        double a, b;
+        if constexpr (std::is_same_v<C, dsp::DoubleRateConverter>) {
+            double ia[2], ib[2];
+            c.up(x[n], -x[n], ia, ib);
+            c.down(ia, ib, a, b);
+        } else {
+            double ia, ib;
+            if (c.down(x[n], -x[n], ia, ib)) c.up(ia, ib);
+            c.out(a, b);
+        }
+        EXPECT_EQ(b, -a);
+        y[n] = a;
+    }
+    return y;
+}
+
+TEST(RateConverters, PassTheirBandAtUnityGainAsAPureDelayOfTheDesignedLength) {
+    const struct {
+        const char* name;
+        Signal (*run)(const Signal&);
+        int delay;
+        double from, to, toleranceDb;  // band in cycles per host sample
+    } cases[] = {
+        {"x2", roundTrip<dsp::DoubleRateConverter>, 63, 0.0005, 0.25, 0.01},
+        {"x2 top", roundTrip<dsp::DoubleRateConverter>, 63, 0.25, 0.45, 0.025},
+        {"x1/2", roundTrip<dsp::HalfRateConverter>, 126, 0.0005, 0.125, 0.01},
+        {"x1/2 top", roundTrip<dsp::HalfRateConverter>, 126, 0.125, 0.2, 0.02},
+        {"x1/4", roundTrip<dsp::QuarterRateConverter>, 255, 0.0005, 0.11, 0.01},  // 21 kHz at 192 kHz
+    };
+    for (const auto& c : cases) {
+        for (int t = 0; t < 30; ++t) {
+            const double f = c.from * std::pow(c.to / c.from, t / 29.0);
+            const auto g = toneGain(c.run(sine(f, 1024 + 16384, 0.3)), f, 0.3, c.delay, 16384);
+            EXPECT_LT(std::fabs(20.0 * std::log10(std::abs(g))), c.toleranceDb) << c.name << " at " << f;
+            EXPECT_LT(std::fabs(std::arg(g)), 1e-9) << c.name << " at " << f;
+        }
+    }
+}
+
+TEST(RateConverters, TheDecimatingPairsRemoveContentAboveTheInnerNyquistFrequency) {
+    auto expectRemoved = [](Signal (*run)(const Signal&), double rate, size_t length, double floorDb,
+                            std::initializer_list<double> tones) {
+        for (double hz : tones) {
+            const Signal x = sine(hz / rate, length, 0.3), y = run(x);
+            double ex = 0.0, ey = 0.0;
+            for (size_t n = length / 8; n < length; ++n) ex += x[n] * x[n], ey += y[n] * y[n];
+            EXPECT_LT(10.0 * std::log10(ey / ex), floorDb) << hz;
+        }
+    };  // 24 kHz inside at 96 kHz, 48 kHz inside at 192 kHz
+    expectRemoved(roundTrip<dsp::HalfRateConverter>, 96000.0, 8192, -55.0, {26400.0, 30000.0, 38400.0, 47000.0});
+    expectRemoved(roundTrip<dsp::QuarterRateConverter>, 192000.0, 16384, -100.0, {27000.0, 30000.0, 40000.0, 60000.0, 90000.0});
+}
+
+constexpr double kRate = 44100.0;
+
+dsp::BiquadCoefficients peaking(double f, double q, double gainDb) {
+    const double A = std::pow(10.0, gainDb / 40.0), w = 2.0 * kPi * f / kRate;
+    const double alpha = std::sin(w) / (2.0 * q), a0 = 1.0 + alpha / A;
+    return {(1.0 + alpha * A) / a0, -2.0 * std::cos(w) / a0, (1.0 - alpha * A) / a0, -2.0 * std::cos(w) / a0,
+            (1.0 - alpha / A) / a0};
+}
+
+Complex response(const dsp::BiquadCoefficients& c, double w) {
+    const Complex z1 = std::polar(1.0, -w), z2 = z1 * z1;
+    return (c.b0 + c.b1 * z1 + c.b2 * z2) / (1.0 + c.a1 * z1 + c.a2 * z2);
+}
+
+template <class P>
+void impulseResponse(dsp::MinimumPhaseCascade c, Signal (&h)[2]) {
+    for (auto& side : h) side.assign(16384, 0.0);
+    for (size_t n = 0; n < h[0].size(); ++n) {
+        const P y = c.process(P::splat(n == 0 ? 1.0 : 0.0));
+        h[0][n] = y.a();
+        h[1][n] = y.b();
+    }
+}
+
+// An impulse through a copy of the cascade in both families (which must agree exactly): each
+// side's DFT at 60 log-spaced frequencies is the square of its sections' product (a side without
+// sections an exact wire).
+void expectResponse(const dsp::MinimumPhaseCascade& c, const std::vector<dsp::BiquadCoefficients> (&sides)[2]) {
+    Signal h[2], sse2[2];
+    impulseResponse<dsp::PlainPair>(c, h);
+    impulseResponse<dsp::Sse2Pair>(c, sse2);
+    EXPECT_EQ(h[0], sse2[0]);
+    EXPECT_EQ(h[1], sse2[1]);
+    for (int side = 0; side < 2; ++side)
+        for (int i = 0; i < 60; ++i) {
+            const double w = 2.0 * kPi * 20.0 * std::pow(1000.0, i / 59.0) / kRate;
+            Complex expected = 1.0;
+            for (const auto& s : sides[side]) expected *= response(s, w) * response(s, w);
+            EXPECT_LT(std::abs(dft(h[side], w) - expected), sides[side].empty() ? 1e-15 : 1e-9) << "side " << side << " w " << w;
+        }
+}
+
+struct Bank {
+    dsp::BiquadCoefficients slots[dsp::kBandSlots] = {};
+    int reads[dsp::kBandSlots] = {};
+    dsp::BiquadCoefficients operator()(int slot) { return ++reads[slot], slots[slot]; }
+};
+
+TEST(MinimumPhaseCascade, EachSideRunsItsOwnActiveBandsInSeries) {
+    const int types[dsp::kBandSlots] = {3, 7, 13, 0, 6, 3, 8, 3, 7, 2, 7, 7, 7, 7, 7, 7};
+    const uint32_t active = dsp::MinimumPhaseCascade::activeSlots(types);
+    EXPECT_EQ(active, 0b10'1011'1001u);
+    Bank bank;
+    for (auto& s : bank.slots) s = peaking(500.0, 1.0, 6.0);  // switched-off slots hold bands too
+    bank.slots[0] = peaking(80.0, 0.7, -5.0);
+    bank.slots[3] = peaking(3000.0, 0.7, -4.0);
+    bank.slots[5] = peaking(12000.0, 4.0, 3.0);
+    bank.slots[9] = peaking(200.0, 1.0, 5.0);
+    dsp::MinimumPhaseCascade c;
+    c.load(bank, 1u << 4);  // band 5 left ringing, switched off, then on again with the others
+    for (int n = 0; n < 50; ++n) {
+        double a = 1.0, b = 0.0;
+        c.process(a, b);
+    }
+    c.load(bank, 0);
+    c.load(bank, active);
+    for (int s = 0; s < dsp::kBandSlots; ++s) EXPECT_EQ(bank.reads[s], ((active >> s) & 1) + (s == 4)) << s;
+    expectResponse(c, {{bank.slots[0], bank.slots[3], bank.slots[4], bank.slots[5], bank.slots[7]}, {bank.slots[9]}});
+
+    dsp::MinimumPhaseCascade oneSide;
+    oneSide.load(bank, 1u << 2);
+    expectResponse(oneSide, {{bank.slots[2]}, {}});
+}
+
+TEST(MinimumPhaseCascade, ABandKeepsRingingWhenAnotherBandOfItsSideSwitchesOff) {
+    Bank bank;  // slot 0 a wire, slot 3 a resonance; side B's slot 12 the same resonance
+    bank.slots[3] = bank.slots[12] = peaking(2000.0, 8.0, 9.0);
+    dsp::MinimumPhaseCascade withWire, alone;
+    withWire.load(bank, (1u << 0) | (1u << 3) | (1u << 12));
+    alone.load(bank, (1u << 3) | (1u << 12));
+    for (int n = 0; n < 400; ++n) {
+        if (n == 30) withWire.load(bank, (1u << 3) | (1u << 12));  // slot 3 moves up a stage
+        double a = n == 0 ? 1.0 : 0.0, b = a, a2 = a, b2 = a;
+        withWire.process(a, b);
+        alone.process(a2, b2);
+        ASSERT_NEAR(a, a2, 1e-15) << n;
+        ASSERT_EQ(b, b2) << n;
+    }
+}
+
+TEST(AuditionFilter, PeaksAtTheBandFrequencyWithTheLevelsGain) {
+    const double rate = 48000.0, level = 0.25;
+    for (double f : {100.0, 1000.0, 8000.0}) {
+        for (double width : {0.0, 1.0}) {
+            dsp::AuditionFilter filter;
+            filter.setSection(dsp::AuditionSection::design(f, width, level, rate));
+            Signal h(32768);
+            for (size_t n = 0; n < h.size(); ++n) h[n] = filter.process<double>(0, n == 0 ? 1.0 : 0.0);
+            double bestF = 0.0, best = 0.0;  // the loudest of ±1/4 octave in 1/200-octave steps
+            for (int i = -50; i <= 50; ++i) {
+                const double fi = f * std::pow(2.0, i / 200.0), m = std::abs(dft(h, 2.0 * kPi * fi / rate));
+                if (m > best) best = m, bestF = fi;
+            }
+            EXPECT_NEAR(std::log2(bestF / f), 0.0, 0.02) << f << " Hz, width " << width;
+            // A zero at DC only: the centre gain is 2^(4·level) / (2·cos(w/2)).
+            const double w = 2.0 * kPi * f / rate;
+            EXPECT_NEAR(best * 2.0 * std::cos(w / 2.0) / std::pow(2.0, 4.0 * level), 1.0, 0.01) << f;
+            EXPECT_LT(std::abs(dft(h, w / 8.0)), best / 4.0);  // a band-pass
+            EXPECT_LT(std::abs(dft(h, std::min(8.0 * w, 2.0 * kPi * 0.48))), best / 3.0);
+        }
+    }
+}
+
+TEST(AuditionFilter, TheFloatVariantRoundsEveryResult) {
+    dsp::AuditionFilter f;
+    f.setSection(dsp::AuditionSection::design(440.0, 0.3, 0.7, 44100.0));
+    for (double x : randomSignal(1000, 3)) {
+        const double y = f.process<float>(0, x);
+        ASSERT_EQ(static_cast<double>(static_cast<float>(y)), y);
+    }
+}
+
+}  // namespace
