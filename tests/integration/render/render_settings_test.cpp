@@ -2,113 +2,83 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <regex>
-
 #include "RenderTestSupport.h"
-#include "host/VstHost.h"
 
 namespace rendertest {
 namespace {
-
-constexpr uint8_t kPresetImage = 0x22;
-constexpr uint8_t kBankImage = 0x38;
 
 // The --list-params line of a parameter: index, name, text, normalized value.
 bool listsValue(const std::string& listing, const std::string& name, const std::string& value) {
     return std::regex_search(listing, std::regex("\\n? *[0-9]+  " + name + " +.* " + value + "\\n"));
 }
 
-class Parameters : public RenderTest {};
+class Settings : public RenderTest {};
 
-TEST_F(Parameters, SetByHostNameIsAppliedAndListed) {
+TEST_F(Settings, SetByHostNameIsAppliedAndListed) {
     const RunResult r = run({"--set", "FLT1 Gain=0.75", "--set=Output=0.25", "--list-params"});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(listsValue(r.out, "FLT1 Gain", "0.750000")) << r.out;
     EXPECT_TRUE(listsValue(r.out, "Output", "0.250000")) << r.out;
-    // One line per parameter, as a host's generic editor shows them.
-    EXPECT_GE(std::count(r.out.begin(), r.out.end(), '\n'), 85);
+    EXPECT_GE(std::count(r.out.begin(), r.out.end(), '\n'), 85) << "one line per parameter";
 }
 
-// Everything that goes through the chunk; skipped while the plug-in does not give one.
-class ChunkSettings : public RenderTest {
-protected:
-    void SetUp() override {
-        RenderTest::SetUp();
-        if (!pluginGivesChunk(configDir())) GTEST_SKIP() << "the plug-in gives no chunk yet";
-    }
-};
 
-TEST_F(ChunkSettings, PresetByNameOrIndexIsSelected) {
+TEST_F(Settings, PresetByNameOrIndexIsSelected) {
+    if (!pluginGivesChunk()) GTEST_SKIP() << "the plug-in gives no chunk yet";
     for (const char* which : {"Mid Boost", "1", "mid boost"}) {
         const RunResult r = run({"--preset", which, "--list-presets"});
         ASSERT_EQ(r.exitCode, 0) << which << ": " << r.err;
         EXPECT_NE(r.out.find("*  1  Mid Boost\n"), std::string::npos) << which << ":\n" << r.out;
     }
-    const RunResult flat = run({"--preset", "0", "--list-params"});
-    const RunResult boost = run({"--preset", "1", "--list-params"});
-    EXPECT_NE(flat.out, boost.out);
-
-    writeShorts(path("in.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, testShorts(2000, 2));
+    EXPECT_NE(run({"--preset", "0", "--list-params"}).out, run({"--preset", "1", "--list-params"}).out);
+    writeShorts(path("in.wav"), kWav16, 44100, 2, testShorts(2000, 2));
     const RunResult render = run({"--preset", "Mid Boost", "in.wav", "out.wav"});
     ASSERT_EQ(render.exitCode, 0) << render.err;
     EXPECT_NE(render.out.find("preset   \"Mid Boost\""), std::string::npos) << render.out;
 }
 
-TEST_F(ChunkSettings, PresetFileGivesTheSameResultAsTheSameValuesSet) {
-    // The values a fresh instance starts with, read through the binary interface.
-    setenv("TYX_VIREO_CONFIG_DIR", configDir().c_str(), 1);
-    auto plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH);
+TEST_F(Settings, PresetFileGivesTheSameResultAsTheSameValuesSet) {
+    if (!pluginGivesChunk()) GTEST_SKIP() << "the plug-in gives no chunk yet";
+    // The values a fresh instance starts with, read through the binary interface, with band 3
+    // as a peaking filter on both sides and a lower output level.
+    auto plugin = loadPlugin();
     ASSERT_TRUE(plugin);
-    plugin->open();
     std::vector<float> values(kSavedSlots);
     for (int slot = 0; slot < kSavedSlots; ++slot) values[slot] = plugin->getParameter(slot);
-
-    // Band 3 as a peaking filter on both sides, and a lower output level.
-    struct Change {
-        const char* name;
-        float value;
-    };
-    const Change changes[] = {{"FLT3 Type", 0.25f}, {"FLT3 TypeR", 0.25f}, {"FLT3 Freq", 0.5f},
-                              {"FLT3 Freq R", 0.5f}, {"FLT3 Q", 0.75f},    {"FLT3 Q R", 0.75f},
-                              {"FLT3 Gain", 0.75f},  {"FLT3 Gain R", 0.75f}, {"Output", 0.375f}};
+    const std::pair<const char*, float> changes[] = {
+        {"FLT3 Type", 0.25f}, {"FLT3 TypeR", 0.25f}, {"FLT3 Freq", 0.5f},    {"FLT3 Freq R", 0.5f}, {"FLT3 Q", 0.75f},
+        {"FLT3 Q R", 0.75f},  {"FLT3 Gain", 0.75f},  {"FLT3 Gain R", 0.75f}, {"Output", 0.375f}};
     std::vector<std::string> setArgs;
-    for (const Change& c : changes) {
-        const int slot = plugin->findParameter(c.name);
-        ASSERT_GE(slot, 0) << c.name;
-        values[slot] = c.value;
-        char arg[64];
-        std::snprintf(arg, sizeof arg, "%s=%g", c.name, c.value);
-        setArgs.insert(setArgs.end(), {"--set", arg});
+    for (const auto& [name, value] : changes) {
+        const int slot = plugin->findParameter(name);
+        ASSERT_GE(slot, 0) << name;
+        values[slot] = value;
+        setArgs.insert(setArgs.end(), {"--set", std::string(name) + "=" + std::to_string(value)});
     }
     plugin.reset();
 
     // The preset image, field by field, once in each byte order.
     for (bool bigEndian : {false, true}) {
         ImageWriter w(bigEndian);
-        w.header(kPresetImage, 1 + kSavedSlots, 0, kNameRecordBytes + kSavedSlots * kValueRecordBytes);
+        w.header(0x22, 1 + kSavedSlots, 0, kNameRecordBytes + kSavedSlots * kValueRecordBytes);
         w.nameRecord(0, "Hand Made");
         for (int slot = 0; slot < kSavedSlots; ++slot) w.valueRecord(0, slot, values[slot]);
         w.save(path(bigEndian ? "hand-be.tyx" : "hand.tyx"));
     }
 
     const auto input = testFloats(20000, 2);
-    writeFloats(path("in.wav"), SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 2, input);
-    std::vector<std::string> bySet = setArgs;
-    bySet.insert(bySet.end(), {"in.wav", "by-set.wav"});
-    ASSERT_EQ(run(bySet).exitCode, 0);
+    writeFloats(path("in.wav"), kWavFloat, 48000, 2, input);
+    auto bySet = [&](std::vector<std::string> more) {
+        return more.insert(more.begin(), setArgs.begin(), setArgs.end()), run(more);
+    };
+    ASSERT_EQ(bySet({"in.wav", "by-set.wav"}).exitCode, 0);
     ASSERT_EQ(run({"--preset-file", "hand.tyx", "in.wav", "by-file.wav"}).exitCode, 0);
-    const Audio a = readFloats(path("by-set.wav"));
-    const Audio b = readFloats(path("by-file.wav"));
+    const Audio a = readAudio(path("by-set.wav"));
     ASSERT_EQ(a.floats.size(), input.size());
-    EXPECT_EQ(a.floats, b.floats);
+    EXPECT_EQ(a.floats, readAudio(path("by-file.wav")).floats);
 
     // The same parameters, whichever way they came and in whichever byte order the file was.
-    std::vector<std::string> listBySet = setArgs;
-    listBySet.push_back("--list-params");
-    const std::string expected = run(listBySet).out;
+    const std::string expected = bySet({"--list-params"}).out;
     EXPECT_EQ(run({"--preset-file", "hand.tyx", "--list-params"}).out, expected);
     EXPECT_EQ(run({"--preset-file", "hand-be.tyx", "--list-params"}).out, expected);
 
@@ -117,22 +87,20 @@ TEST_F(ChunkSettings, PresetFileGivesTheSameResultAsTheSameValuesSet) {
     EXPECT_NE(presets.out.find("*  2  Hand Made\n"), std::string::npos) << presets.out;
 }
 
-TEST_F(ChunkSettings, BankFileReplacesTheBankAndOpensOnItsFirstPreset) {
+TEST_F(Settings, BankFileReplacesTheBankAndOpensOnItsFirstPreset) {
+    if (!pluginGivesChunk()) GTEST_SKIP() << "the plug-in gives no chunk yet";
     constexpr int kPresets = 21;
     ImageWriter w;
     // The stored current preset (7) is not where a loaded bank opens.
-    w.header(kBankImage, kPresets * 2, 7, kPresets * (kNameRecordBytes + kValueRecordBytes));
-    for (int p = 0; p < kPresets; ++p) {
-        w.nameRecord(p, "Bank " + std::to_string(p));
-        w.valueRecord(p, 5, static_cast<float>(p + 1) / 32.0f);  // Output
-    }
+    w.header(0x38, kPresets * 2, 7, kPresets * (kNameRecordBytes + kValueRecordBytes));
+    for (int p = 0; p < kPresets; ++p)
+        w.nameRecord(p, "Bank " + std::to_string(p)).valueRecord(p, 5, static_cast<float>(p + 1) / 32.0f);  // Output
     w.save(path("mine.tyb"));
 
     const RunResult listed = run({"--bank-file", "mine.tyb", "--list-presets"});
     ASSERT_EQ(listed.exitCode, 0) << listed.err;
     EXPECT_NE(listed.out.find("*  0  Bank 0\n"), std::string::npos) << listed.out;
     EXPECT_NE(listed.out.find("  20  Bank 20\n"), std::string::npos) << listed.out;
-
     const RunResult chosen = run({"--bank-file", "mine.tyb", "--preset", "Bank 5", "--list-params"});
     ASSERT_EQ(chosen.exitCode, 0) << chosen.err;
     EXPECT_TRUE(listsValue(chosen.out, "Output", "0.187500")) << chosen.out;
