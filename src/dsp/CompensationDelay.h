@@ -30,11 +30,6 @@ public:
         if (++index_ > delay_) index_ = 0;
         return P::load(&ring_[2 * static_cast<size_t>(index_)]);
     }
-    void process(double& a, double& b) {
-        const PlainPair x = process(PlainPair::make(a, b));
-        a = x.a();
-        b = x.b();
-    }
 
     // Silence in the ring and the index at 0 (after a pause).
     void clear();

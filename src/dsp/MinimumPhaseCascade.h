@@ -62,11 +62,6 @@ public:
         for (int p = paired_; p < longest_; ++p) x = band(stages_[p], x);
         return longerSide_ == 0 ? P::sides(x, shorterDone) : P::sides(shorterDone, x);
     }
-    void process(double& a, double& b) {
-        const PlainPair y = process(PlainPair::make(a, b));
-        a = y.a();
-        b = y.b();
-    }
 
     // All sections at rest (after a pause).
     void clear() {

@@ -139,6 +139,7 @@ P HalfBandDownsampler::process(P first, P second) {
 
 // Ring x[n−126..n]: centre x[n−63]; the odd offsets from it are the even ring positions,
 // window[2j] paired with window[126 − 2j].
+template <>
 template <class P>
 P HalfBandDecimator::evaluate() const {
     const double* w = ring_.window();
@@ -147,6 +148,7 @@ P HalfBandDecimator::evaluate() const {
 }
 
 // Ring x[n−254..n]: centre x[n−127]; each listed tap multiplies the two samples at its offset.
+template <>
 template <class P>
 P QuarterBandDecimator::evaluate() const {
     const double* w = ring_.window();
@@ -160,24 +162,6 @@ void QuarterBandInterpolator::process(P e, P (&out)[4]) {
     const double* w = ring_.window();  // pair 63 − r = e[m − r]
     out[0] = P::load(w + 2 * 31);
     for (int p = 0; p < 3; ++p) out[p + 1] = reversedSum<P>(kQuarterBandPhases[p], w, 63);
-}
-
-// ---- One side per argument ------------------------------------------------------------------
-
-void DoubleRateConverter::up(double a, double b, double (&outA)[2], double (&outB)[2]) {
-    PlainPair inner[2];
-    up(PlainPair::make(a, b), inner);
-    for (int k = 0; k < 2; ++k) {
-        outA[k] = inner[k].a();
-        outB[k] = inner[k].b();
-    }
-}
-
-void DoubleRateConverter::down(const double (&inA)[2], const double (&inB)[2], double& a, double& b) {
-    const PlainPair inner[2] = {PlainPair::make(inA[0], inB[0]), PlainPair::make(inA[1], inB[1])};
-    const PlainPair x = down(inner);
-    a = x.a();
-    b = x.b();
 }
 
 // ---- Both families ---------------------------------------------------------------------------

@@ -101,10 +101,12 @@ private:
     bool centreOnEven_ = false;
 };
 
-// Every second host sample, the half-band filter over the last 127 host samples.
-class HalfBandDecimator {
+// Every Factor-th host sample, the band filter of that factor (half-band for 2, quarter-band
+// for 4) over the last host samples it spans.
+template <int Factor>
+class BandDecimator {
 public:
-    static constexpr int kFactor = 2;
+    static constexpr int kFactor = Factor;
     void clear() { ring_.clear(); }
     template <class P>
     void push(P x) {
@@ -114,24 +116,10 @@ public:
     P evaluate() const;
 
 private:
-    PairRing<kHalfBandLength> ring_;
+    PairRing<Factor == 2 ? kHalfBandLength : kQuarterBandLength> ring_;
 };
-
-// Every fourth host sample, the quarter-band filter over the last 255 host samples.
-class QuarterBandDecimator {
-public:
-    static constexpr int kFactor = 4;
-    void clear() { ring_.clear(); }
-    template <class P>
-    void push(P x) {
-        ring_.push(x);
-    }
-    template <class P>
-    P evaluate() const;
-
-private:
-    PairRing<kQuarterBandLength> ring_;
-};
+using HalfBandDecimator = BandDecimator<2>;
+using QuarterBandDecimator = BandDecimator<4>;
 
 // One sample at a quarter of the host rate becomes four host samples: the stored sample
 // e[m − 32] itself, then the three polyphase values a quarter, a half and three quarters of
@@ -175,10 +163,6 @@ public:
         return down_.process(inner[0], inner[1]);
     }
 
-    // The same, one side per argument.
-    void up(double a, double b, double (&outA)[2], double (&outB)[2]);
-    void down(const double (&inA)[2], const double (&inB)[2], double& a, double& b);
-
 private:
     HalfBandInterpolator up_;
     HalfBandDownsampler down_;
@@ -221,21 +205,6 @@ public:
         const P x = P::load(&pending_[2 * phase_]);
         if (++phase_ == kFactor) phase_ = 0;
         return x;
-    }
-
-    // The same, one side per argument.
-    bool down(double a, double b, double& innerA, double& innerB) {
-        PlainPair inner;
-        if (!down(PlainPair::make(a, b), inner)) return false;
-        innerA = inner.a();
-        innerB = inner.b();
-        return true;
-    }
-    void up(double innerA, double innerB) { up(PlainPair::make(innerA, innerB)); }
-    void out(double& a, double& b) {
-        const PlainPair x = out<PlainPair>();
-        a = x.a();
-        b = x.b();
     }
 
 private:

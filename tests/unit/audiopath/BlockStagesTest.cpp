@@ -60,8 +60,8 @@ TEST(PathConvolver, AMissingKernelSilencesThatBlock) {
 std::pair<int, int> echoes(dsp::CompensationDelay& d, int length) {
     int atA = -1, atB = -1;
     for (int n = 0; n < length; ++n) {
-        double a = n == 0 ? 1.0 : 0.0, b = n == 2 ? -1.0 : 0.0;
-        d.process(a, b);
+        const dsp::PlainPair y = d.process(dsp::PlainPair::make(n == 0 ? 1.0 : 0.0, n == 2 ? -1.0 : 0.0));
+        const double a = y.a(), b = y.b();
         if (a != 0.0) atA = (atA == -1 && a == 1.0) ? n : -2;
         if (b != 0.0) atB = (atB == -1 && b == -1.0) ? n : -2;
     }
@@ -83,15 +83,9 @@ TEST(CompensationDelay, DelaysBothSidesByExactlyDAndSettlesWhenShortened) {
 
     dsp::CompensationDelay shorter(1000);
     shorter.setDelay(900);
-    for (int n = 0; n < 950; ++n) {  // leaves the index beyond the new, shorter ring
-        double a = 0.5, b = 0.25;
-        shorter.process(a, b);
-    }
+    for (int n = 0; n < 950; ++n) shorter.process(dsp::PlainPair::make(0.5, 0.25));  // index beyond the new, shorter ring
     shorter.setDelay(10);
-    for (int n = 0; n < 11; ++n) {
-        double a = 0.0, b = 0.0;
-        shorter.process(a, b);
-    }
+    for (int n = 0; n < 11; ++n) shorter.process(dsp::PlainPair::zero());
     EXPECT_EQ(echoes(shorter, 30), std::make_pair(10, 12));
 }
 
