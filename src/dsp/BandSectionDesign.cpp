@@ -13,9 +13,9 @@ constexpr double kTwoPi = 6.283185307179586476925286766559;
 // the band, which is what an engineer expects of a band beyond the top: a low cut removes
 // everything but the very top, a high cut passes flat but for a notch at Nyquist itself, a low
 // shelf becomes a broadband gain, and a peak or high shelf acts on the highest frequencies
-// only. It also joins on smoothly to the same band just below Nyquist. 0.999 of Nyquist keeps
-// the poles of every shape, Q and gain at least about 1e-5 inside the unit circle, so the
-// kernel's truncated impulse response and the cascade stay well behaved.
+// only. It also joins on smoothly to the same band just below Nyquist. At 0.999 of Nyquist the
+// poles of every shape, Q and gain stay at least 4e-5 inside the unit circle (the narrowest
+// peak comes closest), so the cascade and the kernel's truncated impulse response settle.
 constexpr double kHighestDesignFraction = 0.4995;
 
 // Adding and removing a tiny constant rounds any denormal to zero, so the sections never feed
@@ -91,8 +91,10 @@ BiquadCoefficients designBandSection(const BandSettings& band, double designRate
     const double Q = qualityFactor(shape, band.q);
     const double A = std::pow(10.0, band.gain / 40.0);
 
-    // Below Nyquist every shape is stable as designed, and so are the aliases of a band two or
-    // more Nyquist zones up at a very low design rate; those sections are kept exactly.
+    // Every section that is stable as designed keeps its bits, so settings that always worked
+    // sound exactly as before. That is every band below Nyquist, and at very low design rates
+    // also a band that folds back below Nyquist from above the design rate (it is heard at its
+    // alias).
     const double w0 = kTwoPi * band.frequency / designRate;
     const BiquadCoefficients designed = sectionAt(shape, Q, A, w0);
     if (isStableSection(designed)) return designed;
