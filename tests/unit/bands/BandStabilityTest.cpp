@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
 #include <memory>
@@ -197,19 +198,20 @@ bool finiteCurve(const dsp::Curve& c) {
     return true;
 }
 
-// The minimum-phase path's impulse response, both sides, in windows of kWindow samples: the
-// energy of each window, or -1 once a sample is not finite.
+// The minimum-phase path's impulse response in windows of kWindow samples: the energy of each
+// window on each side; nothing once a sample is not finite.
 constexpr int kWindow = 4096;
-std::vector<double> cascadeWindowEnergies(const dsp::BandModel& m, int windows, int side) {
+using SideEnergies = std::array<double, dsp::kSides>;
+std::vector<SideEnergies> cascadeWindowEnergies(const dsp::BandModel& m, int windows) {
     dsp::MinimumPhaseCascade cascade;
     cascade.load([&](int slot) { return m.section(slot); }, 0xFFFFu);
-    std::vector<double> energy(windows, 0.0);
+    std::vector<SideEnergies> energy(windows, SideEnergies{});
     for (int n = 0; n < windows * kWindow; ++n) {
         const double x = n == 0 ? 1.0 : 0.0;
         const dsp::PlainPair y = cascade.process(dsp::PlainPair::make(x, x));
-        const double v = side == 0 ? y.a() : y.b();
-        if (!std::isfinite(v)) return {-1.0};
-        energy[n / kWindow] += v * v;
+        if (!std::isfinite(y.a()) || !std::isfinite(y.b())) return {};
+        energy[n / kWindow][0] += y.a() * y.a();
+        energy[n / kWindow][1] += y.b() * y.b();
     }
     return energy;
 }
@@ -221,7 +223,7 @@ TEST(BandStability, BothPathsAndTheCurvesStayFiniteAtEveryRate) {
     platform::TimedLock processLock, engineLock;
     constexpr int kFrameSize = 4096;
     for (double rate : designRates())
-        for (double f : {20.0, 1000.0, 20000.0, std::nextafter(rate / 2, 0.0), rate / 2, 25000.0}) {
+        for (double f : {20.0, 20000.0, std::nextafter(rate / 2, 0.0), rate / 2}) {
             const std::string what = "rate " + std::to_string(rate) + " f " + std::to_string(f);
             setAllShapesAt(*model, f);
             model->designAllBands(rate);
@@ -232,8 +234,7 @@ TEST(BandStability, BothPathsAndTheCurvesStayFiniteAtEveryRate) {
                 for (int band = 0; band < dsp::kBandsPerSide; ++band)
                     ASSERT_TRUE(finiteCurve(model->bandCurve(side, band))) << what << " band " << band;
             }
-            for (int side = 0; side < dsp::kSides; ++side)
-                ASSERT_NE(cascadeWindowEnergies(*model, 2, side)[0], -1.0) << what << " side " << side;
+            ASSERT_FALSE(cascadeWindowEnergies(*model, 2).empty()) << what;
 
             BiquadCoefficients sections[dsp::kBandSlots];
             for (int slot = 0; slot < dsp::kBandSlots; ++slot) sections[slot] = model->section(slot);
@@ -247,21 +248,20 @@ TEST(BandStability, BothPathsAndTheCurvesStayFiniteAtEveryRate) {
         }
 }
 
-}  // namespace
-
 // Beyond Nyquist the slowest band is the narrow peak held just below it; its ringing, and that of
 // every other held band, dies away (an unstable cascade grows, a marginal one rings on).
 TEST(BandStability, HeldBandsDieAway) {
+    // A held section depends on its shape, Q and gain alone, so one rate and frequency serve.
     auto model = std::make_unique<dsp::BandModel>(true);
-    constexpr int kWindows = 64;
-    for (auto [rate, f] : {std::pair{22050.0, 20000.0}, std::pair{40000.0, 20000.0}, std::pair{8000.0, 14000.0}}) {
-        setAllShapesAt(*model, f);
-        model->designAllBands(rate);
-        for (int side = 0; side < dsp::kSides; ++side) {
-            const std::vector<double> energy = cascadeWindowEnergies(*model, kWindows, side);
-            ASSERT_EQ(energy.size(), kWindows) << rate << " side " << side;
-            const double loudest = *std::max_element(energy.begin(), energy.end());
-            EXPECT_LT(energy.back(), 1e-3 * loudest) << rate << " side " << side;
-        }
+    setAllShapesAt(*model, 20000.0);
+    model->designAllBands(22050.0);
+    const std::vector<SideEnergies> energy = cascadeWindowEnergies(*model, 64);
+    ASSERT_FALSE(energy.empty());
+    for (int side = 0; side < dsp::kSides; ++side) {
+        double loudest = 0.0;
+        for (const SideEnergies& e : energy) loudest = std::max(loudest, e[side]);
+        EXPECT_LT(energy.back()[side], 1e-3 * loudest) << "side " << side;
     }
 }
+
+}  // namespace
