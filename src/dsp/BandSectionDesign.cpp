@@ -7,6 +7,17 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586476925286766559;
 
+// Where a band lies at or above the Nyquist frequency of the design rate and its section
+// would not be stable, it is designed at this fraction of the design rate instead: w0 held
+// just below π. The bilinear map then squeezes the whole audio band into the lower skirt of
+// the band, which is what an engineer expects of a band beyond the top: a low cut removes
+// everything but the very top, a high cut passes flat but for a notch at Nyquist itself, a low
+// shelf becomes a broadband gain, and a peak or high shelf acts on the highest frequencies
+// only. It also joins on smoothly to the same band just below Nyquist. At 0.999 of Nyquist the
+// poles of every shape, Q and gain stay at least 4e-5 inside the unit circle (the narrowest
+// peak comes closest), so the cascade and the kernel's truncated impulse response settle.
+constexpr double kHighestDesignFraction = 0.4995;
+
 // Adding and removing a tiny constant rounds any denormal to zero, so the sections never feed
 // denormals into the cascade or the kernel build. Values above about 0.01 keep their bits
 // exactly; smaller ones may move by an ulp.
@@ -24,15 +35,8 @@ BiquadCoefficients normalised(double a0, double b0, double b1, double b2, double
     return {b0 / a0, b1 / a0, b2 / a0, a1 / a0, a2 / a0};
 }
 
-}  // namespace
-
-BiquadCoefficients designBandSection(const BandSettings& band, double designRate) {
-    if (isBypassed(band.bandType)) return kIdentitySection;
-
-    const FilterShape shape = shapeOf(band.bandType);
-    const double Q = qualityFactor(shape, band.q);
-    const double w0 = kTwoPi * band.frequency / designRate;
-    const double A = std::pow(10.0, band.gain / 40.0);
+// The section of a switched-on shape at normalized angular frequency w0 (radians per sample).
+BiquadCoefficients sectionAt(FilterShape shape, double Q, double A, double w0) {
     const double c = std::cos(w0);
     const double s = std::sin(w0);
     const double alpha = s / (2.0 * Q);
@@ -68,6 +72,42 @@ BiquadCoefficients designBandSection(const BandSettings& band, double designRate
             break;
     }
     return flushed(r);
+}
+
+// Finite, with both poles strictly inside the unit circle.
+bool isStableSection(const BiquadCoefficients& c) {
+    const bool finite = std::isfinite(c.b0) && std::isfinite(c.b1) && std::isfinite(c.b2) && std::isfinite(c.a1) &&
+                        std::isfinite(c.a2);
+    // Both roots of z² + a1·z + a2 strictly inside the unit circle: the stability triangle.
+    return finite && std::fabs(c.a2) < 1.0 && std::fabs(c.a1) < 1.0 + c.a2;
+}
+
+}  // namespace
+
+BiquadCoefficients designBandSection(const BandSettings& band, double designRate) {
+    if (isBypassed(band.bandType)) return kIdentitySection;
+
+    const FilterShape shape = shapeOf(band.bandType);
+    const double Q = qualityFactor(shape, band.q);
+    const double A = std::pow(10.0, band.gain / 40.0);
+
+    // Every section that is stable as designed keeps its bits, so settings that always worked
+    // sound exactly as before. That is every band below Nyquist, and at very low design rates
+    // also a band that folds back below Nyquist from above the design rate (it is heard at its
+    // alias).
+    const double w0 = kTwoPi * band.frequency / designRate;
+    const BiquadCoefficients designed = sectionAt(shape, Q, A, w0);
+    if (isStableSection(designed)) return designed;
+
+    // In the upper half of the spectrum a section fails only at Nyquist (to within rounding)
+    // or above it.
+    if (w0 > kTwoPi / 4) {
+        const BiquadCoefficients held = sectionAt(shape, Q, A, kTwoPi * kHighestDesignFraction);
+        if (isStableSection(held)) return held;
+    }
+    // Values no band can be designed from (a non-finite or non-positive frequency, a non-finite
+    // Q or gain, or a gain so extreme that the poles land on the unit circle): passed flat.
+    return kIdentitySection;
 }
 
 }  // namespace dsp

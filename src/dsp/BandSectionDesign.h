@@ -12,9 +12,11 @@ namespace dsp {
 // b0 = 1, everything else 0: passes the signal unchanged.
 inline constexpr BiquadCoefficients kIdentitySection{};
 
-// Designs the section in double precision and flushes each coefficient of denormals.
-// Frequencies at or above the Nyquist frequency of designRate are designed unchanged; there
-// is deliberately no clamp.
+// Designs the section in double precision and flushes each coefficient of denormals. The
+// result is always finite and stable: a band whose section as designed would not be (one at
+// or above the Nyquist frequency of designRate) is designed with its frequency held just
+// below Nyquist, and one that cannot be designed at all is passed flat. Every section that is
+// stable as designed is returned exactly as designed.
 BiquadCoefficients designBandSection(const BandSettings& band, double designRate);
 
 }  // namespace dsp

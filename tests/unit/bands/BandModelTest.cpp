@@ -67,21 +67,6 @@ TEST(BandModelDesign, StartsFlatDesignsBothSidesAndHonoursSolo) {
     for (int slot = 0; slot < dsp::kBandSlots; ++slot) EXPECT_TRUE(sameSection(m->readPublished(slot), designed[slot]));
 }
 
-TEST(BandModelRateClass, ThresholdsSelectTheSixClasses) {
-    struct Case {
-        double rate;
-        double classRate;
-    };
-    const Case cases[] = {
-        {8000, 44100},    {44100, 44100},   {44999.99, 44100}, {45000, 48000},   {48000, 48000},
-        {49999.9, 48000}, {50000, 88200},   {88200, 88200},    {89999, 88200},   {90000, 96000},
-        {99999, 96000},   {100000, 176400}, {176400, 176400},  {189999, 176400}, {190000, 192000},
-        {192000, 192000}, {384000, 192000},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(dsp::kRateClasses[dsp::rateClassFor(c.rate)].rate, c.classRate) << c.rate;
-}
-
 TEST(BandModelRateClass, CurvesFollowTheClassOfTheLatestDesignRate) {
     auto m = makeModel();
     const int centre = 150;
