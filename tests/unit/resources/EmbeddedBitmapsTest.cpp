@@ -1,0 +1,174 @@
+// The embedded artwork, decoded the way the editor decodes it, checked against the table that
+// the controls follow.
+
+#include "resources/BitmapTable.h"
+#include "resources/EmbeddedBitmaps.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+using artwork::kBitmaps;
+using artwork::kSprites;
+using artwork::Sprite;
+
+struct SurfaceDeleter {
+    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
+};
+using Surface = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
+
+struct PngReader {
+    const unsigned char* data;
+    unsigned long size;
+    unsigned long at = 0;
+};
+
+Surface decode(int id) {
+    const unsigned char* png = nullptr;
+    unsigned long size = 0;
+    if (!findEmbeddedBitmap(id, &png, &size)) return nullptr;
+    PngReader reader{png, size};
+    auto read = [](void* closure, unsigned char* out, unsigned int length) {
+        auto* r = static_cast<PngReader*>(closure);
+        if (r->size - r->at < length) return CAIRO_STATUS_READ_ERROR;
+        std::memcpy(out, r->data + r->at, length);
+        r->at += length;
+        return CAIRO_STATUS_SUCCESS;
+    };
+    cairo_surface_t* s = cairo_image_surface_create_from_png_stream(read, &reader);
+    if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(s);
+        return nullptr;
+    }
+    return Surface(s);
+}
+
+// Premultiplied ARGB of one pixel.
+uint32_t pixel(cairo_surface_t* s, int x, int y) {
+    const unsigned char* row = cairo_image_surface_get_data(s) + y * cairo_image_surface_get_stride(s);
+    return reinterpret_cast<const uint32_t*>(row)[x];
+}
+int alpha(uint32_t p) { return int(p >> 24); }
+int brightness(uint32_t p) { return int(((p >> 16) & 0xFF) + ((p >> 8) & 0xFF) + (p & 0xFF)) / 3; }
+
+bool sameImage(cairo_surface_t* s, int x0, int y0, int x1, int y1, int w, int h) {
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            if (pixel(s, x0 + x, y0 + y) != pixel(s, x1 + x, y1 + y)) return false;
+    return true;
+}
+
+bool hasInk(cairo_surface_t* s, int x0, int y0, int w, int h) {
+    for (int y = y0; y < y0 + h; ++y)
+        for (int x = x0; x < x0 + w; ++x)
+            if (alpha(pixel(s, x, y)) != 0) return true;
+    return false;
+}
+
+TEST(EmbeddedBitmaps, EveryNumberFrom128To162DecodesAtItsTableSize) {
+    ASSERT_EQ(kBitmaps.size(), 35u);
+    for (int id = 128; id <= 162; ++id) {
+        SCOPED_TRACE(id);
+        const auto size = artwork::bitmapSize(id);
+        ASSERT_TRUE(size);
+        const Surface s = decode(id);
+        ASSERT_TRUE(s);
+        EXPECT_EQ(cairo_image_surface_get_width(s.get()), size->width);
+        EXPECT_EQ(cairo_image_surface_get_height(s.get()), size->height);
+    }
+}
+
+TEST(EmbeddedBitmaps, UnknownNumbersAreRefused) {
+    for (int id : {-1, 0, 127, 163, 1000}) {
+        const unsigned char* png = reinterpret_cast<const unsigned char*>("x");
+        unsigned long size = 7;
+        EXPECT_FALSE(findEmbeddedBitmap(id, &png, &size)) << id;
+        EXPECT_EQ(size, 7u);
+    }
+}
+
+// Every image the controls are told to take lies inside its bitmap and has something drawn;
+// neighbouring frames of a stack differ, so a control never shows a frame that is a copy of
+// another state.
+TEST(EmbeddedBitmaps, EverySpriteFrameIsInsideItsBitmapAndDrawn) {
+    for (const Sprite& sp : kSprites) {
+        SCOPED_TRACE(std::to_string(sp.bitmap) + " " + std::string(sp.use));
+        const Surface s = decode(sp.bitmap);
+        ASSERT_TRUE(s);
+        const int w = cairo_image_surface_get_width(s.get()), h = cairo_image_surface_get_height(s.get());
+        EXPECT_LE(sp.x + (sp.count - 1) * sp.stepX + sp.width, w);
+        EXPECT_LE(sp.y + (sp.count - 1) * sp.stepY + sp.height, h);
+        if (sp.use == "font glyphs") continue;  // the space glyph is empty by design
+        for (int k = 0; k < sp.count; ++k) {
+            const int x = sp.x + k * sp.stepX, y = sp.y + k * sp.stepY;
+            EXPECT_TRUE(hasInk(s.get(), x, y, sp.width, sp.height)) << "frame " << k;
+            if (k > 0) {
+                EXPECT_FALSE(sameImage(s.get(), x, y, x - sp.stepX, y - sp.stepY, sp.width, sp.height))
+                    << "frame " << k << " repeats frame " << k - 1;
+            }
+        }
+    }
+}
+
+TEST(EmbeddedBitmaps, FilmStripsHave101FramesOfTheKnobHeight) {
+    for (int id = 135; id <= 144; ++id) {
+        const Sprite sp = *artwork::firstSprite(id);
+        EXPECT_EQ(sp.count, 101) << id;
+        EXPECT_EQ(sp.stepY, id == 144 ? 54 : 36) << id;
+        EXPECT_EQ(artwork::bitmapSize(id)->height, 101 * sp.stepY) << id;
+    }
+}
+
+// The printer fills each glyph cell with the style colour and draws the glyph over it: normal
+// glyphs must be dark ink on transparency, highlighted glyphs the same shapes in light ink.
+TEST(EmbeddedBitmaps, GlyphSheetsHoldDarkNormalAndLightHighlightedGlyphs) {
+    for (int id : {129, 130}) {
+        SCOPED_TRACE(id);
+        const Surface s = decode(id);
+        ASSERT_TRUE(s);
+        const int space = 0, letterA = 'A' - 32, highlightedA = letterA + artwork::kHighlightedGlyphOffset;
+        EXPECT_FALSE(hasInk(s.get(), space * artwork::kGlyphPitch, 0, 6, 9));
+        ASSERT_TRUE(hasInk(s.get(), letterA * artwork::kGlyphPitch, 0, 6, 9));
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 6; ++x) {
+                const uint32_t normal = pixel(s.get(), letterA * artwork::kGlyphPitch + x, y);
+                const uint32_t lit = pixel(s.get(), highlightedA * artwork::kGlyphPitch + x, y);
+                EXPECT_EQ(alpha(normal), alpha(lit)) << x << "," << y;
+                if (alpha(normal) == 255) {
+                    EXPECT_LT(brightness(normal), 64) << x << "," << y;
+                    EXPECT_GT(brightness(lit), 200) << x << "," << y;
+                }
+            }
+        // Ink stays inside the 5 × 8 part of every cell, whichever way a printer clips it.
+        for (int g = 0; g < artwork::kGlyphCount; ++g) {
+            EXPECT_FALSE(hasInk(s.get(), g * artwork::kGlyphPitch + 5, 0, 3, 9)) << "glyph " << g;
+            EXPECT_FALSE(hasInk(s.get(), g * artwork::kGlyphPitch, 8, 6, 1)) << "glyph " << g;
+        }
+    }
+}
+
+// Controls draw over parts of the background in colours of their own; there the background
+// must already be that colour so that nothing shows between their drawings.
+TEST(EmbeddedBitmaps, BackgroundLeavesTheHeaderStripAndReadoutsInTheirColours) {
+    const Surface s = decode(128);
+    ASSERT_TRUE(s);
+    struct Area {
+        int left, top, right, bottom;
+        uint32_t colour;
+    };
+    for (const Area& a : {Area{85, 164, 510, 184, 0xFFDFF7FFu}, Area{51, 164, 82, 175, 0xFF4F4F4Fu},
+                          Area{511, 164, 542, 175, 0xFF4F4F4Fu}})
+        for (int y = a.top; y < a.bottom; ++y)
+            for (int x = a.left; x < a.right; ++x)
+                ASSERT_EQ(pixel(s.get(), x, y), a.colour) << x << "," << y;
+    const uint32_t plot = pixel(s.get(), 30, 20);
+    for (int y = 20; y < 163; ++y)
+        for (int x = 30; x < 548; ++x) ASSERT_EQ(pixel(s.get(), x, y), plot) << x << "," << y;
+}
+
+}  // namespace
