@@ -59,7 +59,7 @@ inline constexpr std::array kBitmaps{
     BitmapSize{131, 7, 7},      // jog knob indicator
     BitmapSize{132, 645, 366},  // jog ring buttons
     BitmapSize{133, 64, 256},   // filter-type legend (CFilterType)
-    BitmapSize{134, 34, 45},    // save / load buttons of presets and banks
+    BitmapSize{134, 102, 45},   // save, load and memory buttons of the preset strip
     BitmapSize{135, 37, 3636},  // frequency knob, bands 1-3
     BitmapSize{136, 37, 3636},  // frequency knob, bands 4-5
     BitmapSize{137, 37, 3636},  // frequency knob, bands 6-8
@@ -80,8 +80,8 @@ inline constexpr std::array kBitmaps{
     BitmapSize{152, 134, 224},  // band type switch, band 8
     BitmapSize{153, 37, 78},    // FAT button
     BitmapSize{154, 76, 39},    // default bank / default preset buttons
-    BitmapSize{155, 68, 45},    // memory buttons
-    BitmapSize{156, 65, 65},    // rocker, preset menu, keyboard focus and manual buttons
+    BitmapSize{155, 30, 65},    // preset rocker
+    BitmapSize{156, 35, 36},    // keyboard focus, manual and preset menu buttons
     BitmapSize{157, 39, 76},    // LinPhase button
     BitmapSize{158, 36, 74},    // Power button
     BitmapSize{159, 108, 99},   // Resolution selector
@@ -97,9 +97,12 @@ inline constexpr std::array kBitmaps{
 // frame = the type step (0-6 active shapes, 7-13 the same shapes bypassed). The pop-up's rows
 // take shape r from the first column (frame r) or, for a bypassed band, from the column 112
 // pixels to the right.
-// Preset-strip buttons (134, 154, 155): frame 0 normal, 1 hovered, 2 pressed. Rocker: 0 normal,
-// 1 left hovered, 2 right hovered, 3 left pressed, 4 right pressed. Keyboard focus: 0 off,
-// 1 off and hovered, 2 on. On/off buttons: the lower frame is the "on" look.
+// Preset strip: in every one of its bitmaps (134, 154, 155, 156) a frame is the bitmap's height
+// divided by the frame count, and the controls sharing a bitmap sit side by side, each at its
+// own source x; an image smaller than its frame fills the frame's top rows. Kick buttons and
+// the menu button: frame 0 normal, 1 hovered, 2 pressed. Rocker: 0 normal, 1 left hovered,
+// 2 right hovered, 3 left pressed, 4 right pressed. Keyboard focus: 0 off, 1 off and hovered,
+// 2 on. On/off buttons (153, 157, 158): the lower half is the "on" look.
 // Solo strip: the strip as the control's background on top, the eight buttons lit 21 pixels
 // below, each under its own spot. Resolution: frame k lights segment k (LOW, MED, HIGH) in the
 // top 18 rows; the rows below are transparent so that the panel's label shows.
@@ -118,6 +121,10 @@ inline constexpr std::array kSprites{
     Sprite{133, "legend rows dimmed", 0, 16, 64, 16, 8, 0, 32},
     Sprite{134, "save button", 0, 0, 17, 15, 3, 0, 15},
     Sprite{134, "load button", 17, 0, 17, 15, 3, 0, 15},
+    Sprite{134, "store memory A", 34, 0, 17, 15, 3, 0, 15},
+    Sprite{134, "recall memory A", 51, 0, 17, 15, 3, 0, 15},
+    Sprite{134, "store memory B", 68, 0, 17, 15, 3, 0, 15},
+    Sprite{134, "recall memory B", 85, 0, 17, 15, 3, 0, 15},
     Sprite{135, "frequency knob", 0, 0, 37, 36, 101, 0, 36},
     Sprite{136, "frequency knob", 0, 0, 37, 36, 101, 0, 36},
     Sprite{137, "frequency knob", 0, 0, 37, 36, 101, 0, 36},
@@ -147,14 +154,10 @@ inline constexpr std::array kSprites{
     Sprite{153, "FAT button", 0, 0, 37, 39, 2, 0, 39},
     Sprite{154, "default bank button", 0, 0, 32, 13, 3, 0, 13},
     Sprite{154, "default preset button", 32, 0, 44, 13, 3, 0, 13},
-    Sprite{155, "store memory A", 0, 0, 17, 15, 3, 0, 15},
-    Sprite{155, "recall memory A", 17, 0, 17, 15, 3, 0, 15},
-    Sprite{155, "store memory B", 34, 0, 17, 15, 3, 0, 15},
-    Sprite{155, "recall memory B", 51, 0, 17, 15, 3, 0, 15},
-    Sprite{156, "preset rocker", 0, 0, 30, 13, 5, 0, 13},
-    Sprite{156, "preset menu button", 30, 0, 13, 12, 1, 0, 12},
-    Sprite{156, "keyboard focus button", 43, 0, 11, 7, 3, 0, 7},
-    Sprite{156, "manual button", 54, 0, 11, 9, 3, 0, 9},
+    Sprite{155, "preset rocker", 0, 0, 30, 13, 5, 0, 13},
+    Sprite{156, "keyboard focus button", 0, 0, 11, 7, 3, 0, 12},
+    Sprite{156, "manual button", 11, 0, 11, 9, 3, 0, 12},
+    Sprite{156, "preset menu button", 22, 0, 13, 12, 3, 0, 12},
     Sprite{157, "LinPhase button", 0, 0, 39, 38, 2, 0, 38},
     Sprite{158, "Power button", 0, 0, 36, 37, 2, 0, 37},
     Sprite{159, "resolution", 0, 0, 108, 33, 3, 0, 33},

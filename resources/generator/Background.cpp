@@ -79,7 +79,7 @@ void rightColumn(cairo_t* cr) {
     label(cr, "TYX", kInfo.centreX(), kInfo.top + 10, {8.0, kAccent, true, 3.0}, Align::Centre);
     label(cr, "VIREO", kInfo.centreX(), kInfo.bottom - 4, {15.0, rgb(222, 230, 236), true, 2.0}, Align::Centre);
 
-    inset(cr, 612, 242, 134, 247, kInset);
+    inset(cr, 612, 238, 134, 251, kInset);
     struct Caption {
         Rect control;
         const char* text;

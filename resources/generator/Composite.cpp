@@ -145,11 +145,11 @@ cairo_surface_t* composeEditor(const std::map<int, cairo_surface_t*>& bitmaps, P
     p.put(154, "default preset button", inUse ? 2 : 0, kDefaultPreset.left, kDefaultPreset.top);
     p.put(134, "load button", 0, kLoadPreset.left, kLoadPreset.top);
     p.put(156, "preset menu button", 0, kPresetMenu.left, kPresetMenu.top);
-    p.put(156, "preset rocker", inUse ? 2 : 0, kRocker.left, kRocker.top);
-    p.put(155, "store memory A", 0, kStoreA.left, kStoreA.top);
-    p.put(155, "recall memory A", 0, kRecallA.left, kRecallA.top);
-    p.put(155, "store memory B", 0, kStoreB.left, kStoreB.top);
-    p.put(155, "recall memory B", 0, kRecallB.left, kRecallB.top);
+    p.put(155, "preset rocker", inUse ? 2 : 0, kRocker.left, kRocker.top);
+    p.put(134, "store memory A", 0, kStoreA.left, kStoreA.top);
+    p.put(134, "recall memory A", 0, kRecallA.left, kRecallA.top);
+    p.put(134, "store memory B", 0, kStoreB.left, kStoreB.top);
+    p.put(134, "recall memory B", 0, kRecallB.left, kRecallB.top);
     p.put(156, "keyboard focus button", inUse ? 2 : 0, kKeyboardFocus.left, kKeyboardFocus.top);
     p.put(156, "manual button", 0, kManual.left, kManual.top);
     if (inUse) label(cr, "Flat", kPresetName.left + 3, kPresetName.bottom - 3, {9.0, rgb(209, 227, 238), false});

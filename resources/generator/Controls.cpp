@@ -26,7 +26,7 @@ double shapeLevel(int shape, double w) {
     case 1: return 40 * std::log10(w2 / secondOrder);
     case 2: return boost / (1 + w2 * w2);
     case 3: {
-        const double q = 1.6 * (w - 1 / w);
+        const double q = 1.1 * (w - 1 / w);
         return boost / (1 + q * q);
     }
     case 4: return boost * w2 * w2 / (1 + w2 * w2);
@@ -44,25 +44,31 @@ void drawTypeCell(cairo_t* cr, int x, int y, int shape, bool active, Rgb bandCol
     hLine(cr, x + 2, x + 20, y + 15, rgb(255, 255, 255), 0.06);
 
     const Rgb ink = active ? mix(bandColour, rgb(255, 255, 255), 0.25) : rgb(92, 97, 104);
-    const double left = x + 2.5, right = x + 19.5;
-    const double zeroY = isCut(shape) ? y + 6.0 : y + 11.0;
-    const double pixelsPerDb = isCut(shape) ? 0.30 : 0.52;
+    const double left = x + 2.5, right = x + 19.5, bottom = y + 15.0;
+    // Cuts start high and leave the cell; the gain shapes move about a 0 dB line lower down,
+    // so that a shelf never reads as a cut.
+    const bool cut = isCut(shape);
+    const double zeroY = cut ? y + 5.0 : y + 10.5;
+    const double pixelsPerDb = cut ? 0.25 : 0.45;
+    const double pixelsPerDecade = 8.0;
     cairo_save(cr);
     cairo_rectangle(cr, x + 1, y + 1, 20, 14);
     cairo_clip(cr);
+    if (!cut) hLine(cr, x + 2, x + 20, int(zeroY), ink, active ? 0.25 : 0.15);
     cairo_new_path(cr);
     for (double px = left; px <= right + 1e-9; px += 0.5) {
-        const double w = std::pow(10.0, (px - (left + right) / 2) / 6.5);
-        const double py = std::min(y + 15.0, zeroY - shapeLevel(shape, w) * pixelsPerDb);
+        const double w = std::pow(10.0, (px - (left + right) / 2) / pixelsPerDecade);
+        const double py = std::min(bottom, zeroY - shapeLevel(shape, w) * pixelsPerDb);
         if (px == left) cairo_move_to(cr, px, py); else cairo_line_to(cr, px, py);
     }
     if (active) {
-        // A faint fill under the curve makes the shape read at a glance.
+        // A faint fill between the curve and its floor makes the shape read at a glance.
         cairo_path_t* curve = cairo_copy_path(cr);
-        cairo_line_to(cr, right, y + 15);
-        cairo_line_to(cr, left, y + 15);
+        const double floor = cut ? bottom : zeroY;
+        cairo_line_to(cr, right, floor);
+        cairo_line_to(cr, left, floor);
         cairo_close_path(cr);
-        setColour(cr, bandColour, 0.22);
+        setColour(cr, bandColour, 0.25);
         cairo_fill(cr);
         cairo_append_path(cr, curve);
         cairo_path_destroy(curve);

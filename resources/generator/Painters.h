@@ -19,10 +19,10 @@ void paintLegend(cairo_t* cr, int id);
 void paintJogBackground(cairo_t* cr, int id);
 void paintJogIndicator(cairo_t* cr, int id);
 void paintJogRing(cairo_t* cr, int id);
-void paintSaveLoadButtons(cairo_t* cr, int id);
+void paintStripKickButtons(cairo_t* cr, int id);
 void paintDefaultButtons(cairo_t* cr, int id);
-void paintMemoryButtons(cairo_t* cr, int id);
-void paintStripSmallControls(cairo_t* cr, int id);
+void paintRocker(cairo_t* cr, int id);
+void paintStripSmallButtons(cairo_t* cr, int id);
 
 // Glyph sheets come from a bitmap font file; the two sheets differ in their ink colours.
 void loadGlyphFont(const std::string& path);

@@ -71,10 +71,20 @@ void kickFrames(cairo_t* cr, const Sprite& s, Icon icon) {
 
 }  // namespace
 
-void paintSaveLoadButtons(cairo_t* cr, int id) {
+void paintStripKickButtons(cairo_t* cr, int id) {
     for (bool save : {true, false}) {
         const Sprite s = *findSprite(id, save ? "save button" : "load button");
         kickFrames(cr, s, [&](int x, int y, Rgb c) { drawTrayArrow(cr, x, y, s.width, s.height, save, c); });
+    }
+    // Storing pushes the sound into the memory letter beside the button; recalling takes it out
+    // again, so both arrows point the same way along the strip.
+    for (const char* use : {"store memory A", "recall memory A", "store memory B", "recall memory B"}) {
+        const Sprite s = *findSprite(id, use);
+        const bool store = use[0] == 's';
+        kickFrames(cr, s, [&](int x, int y, Rgb c) {
+            drawArrowRight(cr, x + 8.5, y + 7.5, c);
+            fillRect(cr, store ? x + 13 : x + 3, y + 4, 1, 7, c);
+        });
     }
 }
 
@@ -87,22 +97,8 @@ void paintDefaultButtons(cairo_t* cr, int id) {
     }
 }
 
-void paintMemoryButtons(cairo_t* cr, int id) {
-    // Storing pushes the sound into the memory letter beside the button; recalling takes it out
-    // again, so both arrows point the same way along the strip.
-    for (const char* use : {"store memory A", "recall memory A", "store memory B", "recall memory B"}) {
-        const Sprite s = *findSprite(id, use);
-        const bool store = use[0] == 's';
-        kickFrames(cr, s, [&](int x, int y, Rgb c) {
-            drawArrowRight(cr, x + 8.5, y + 7.5, c);
-            if (store) fillRect(cr, x + 13, y + 4, 1, 7, c);
-            else fillRect(cr, x + 3, y + 4, 1, 7, c);
-        });
-    }
-}
-
-void paintStripSmallControls(cairo_t* cr, int id) {
-    // Rocker: two halves, previous and next.
+// Two halves, previous and next.
+void paintRocker(cairo_t* cr, int id) {
     const Sprite rocker = *findSprite(id, "preset rocker");
     for (int frame = 0; frame < rocker.count; ++frame) {
         const int y = rocker.y + frame * rocker.stepY;
@@ -115,10 +111,9 @@ void paintStripSmallControls(cairo_t* cr, int id) {
                          side == 0 ? -1 : 1, 0, c);
         }
     }
-    const Sprite menu = *findSprite(id, "preset menu button");
-    buttonFace(cr, menu.x, menu.y, menu.width, menu.height, false, false);
-    drawTriangle(cr, menu.x + menu.width / 2.0, menu.y + menu.height / 2.0, 3.2, 0, 1, kIcon);
+}
 
+void paintStripSmallButtons(cairo_t* cr, int id) {
     // Keyboard focus: a small pill lamp, dark when off.
     const Sprite focus = *findSprite(id, "keyboard focus button");
     for (int frame = 0; frame < focus.count; ++frame) {
@@ -128,10 +123,13 @@ void paintStripSmallControls(cairo_t* cr, int id) {
         fillRounded(cr, focus.x, y, focus.width, focus.height, 3.0, top, bottom);
         frameRounded(cr, focus.x, y, focus.width, focus.height, 3.0, kRimDark);
     }
-
     const Sprite manual = *findSprite(id, "manual button");
     kickFrames(cr, manual, [&](int x, int y, Rgb c) {
         pixelArt(cr, x + 4, y + 2, {".##.", "#..#", "...#", "..#.", "....", "..#."}, c);
+    });
+    const Sprite menu = *findSprite(id, "preset menu button");
+    kickFrames(cr, menu, [&](int x, int y, Rgb c) {
+        drawTriangle(cr, x + menu.width / 2.0, y + menu.height / 2.0, 3.2, 0, 1, c);
     });
 }
 

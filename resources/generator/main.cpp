@@ -30,11 +30,11 @@ Painter painterFor(int id) {
     case 131: return paintJogIndicator;
     case 132: return paintJogRing;
     case 133: return paintLegend;
-    case 134: return paintSaveLoadButtons;
+    case 134: return paintStripKickButtons;
     case 153: case 157: case 158: return paintOnOffButton;
     case 154: return paintDefaultButtons;
-    case 155: return paintMemoryButtons;
-    case 156: return paintStripSmallControls;
+    case 155: return paintRocker;
+    case 156: return paintStripSmallButtons;
     case 159: return paintResolution;
     case 160: return paintReadoutFace;
     case 161: return paintSoloStrip;

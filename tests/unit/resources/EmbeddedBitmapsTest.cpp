@@ -115,13 +115,26 @@ TEST(EmbeddedBitmaps, EverySpriteFrameIsInsideItsBitmapAndDrawn) {
     }
 }
 
-TEST(EmbeddedBitmaps, FilmStripsHave101FramesOfTheKnobHeight) {
-    for (int id = 135; id <= 144; ++id) {
-        const Sprite sp = *artwork::firstSprite(id);
-        EXPECT_EQ(sp.count, 101) << id;
-        EXPECT_EQ(sp.stepY, id == 144 ? 54 : 36) << id;
-        EXPECT_EQ(artwork::bitmapSize(id)->height, 101 * sp.stepY) << id;
-    }
+// These controls take their frame height as the bitmap's height divided by their frame count,
+// so every image in such a bitmap must step by exactly that much.
+TEST(EmbeddedBitmaps, FrameStacksStepByTheBitmapHeightOverTheFrameCount) {
+    struct Stack {
+        int firstId, lastId, frames;
+    };
+    for (const Stack& stack : {Stack{135, 143, 101}, Stack{144, 144, 101}, Stack{153, 153, 2}, Stack{157, 158, 2},
+                               Stack{159, 159, 3}, Stack{134, 134, 3}, Stack{154, 154, 3}, Stack{155, 155, 5},
+                               Stack{156, 156, 3}})
+        for (int id = stack.firstId; id <= stack.lastId; ++id)
+            for (const Sprite& sp : kSprites) {
+                if (sp.bitmap != id) continue;
+                SCOPED_TRACE(std::to_string(id) + " " + std::string(sp.use));
+                EXPECT_EQ(sp.count, stack.frames);
+                EXPECT_EQ(sp.stepY, artwork::bitmapSize(id)->height / stack.frames);
+                EXPECT_EQ(artwork::bitmapSize(id)->height % stack.frames, 0);
+            }
+    // Knob frames are as high as the knobs.
+    EXPECT_EQ(artwork::firstSprite(135)->stepY, 36);
+    EXPECT_EQ(artwork::firstSprite(144)->stepY, 54);
 }
 
 // The printer fills each glyph cell with the style colour and draws the glyph over it: normal
