@@ -101,7 +101,7 @@ cairo_surface_t* composeEditor(const std::map<int, cairo_surface_t*>& bitmaps, P
         p.put(145 + b, "type cells", inUse ? types[b] : 0, sw.left + kTypeCellX, sw.top + kTypeCellY);
     }
     p.put(144, "", inUse ? 50 : 0, kOutput.left, kOutput.top);
-    p.put(153, "", inUse ? 0 : 0, kFat.left, kFat.top);
+    p.put(153, "", 0, kFat.left, kFat.top);
     p.put(157, "", inUse ? 1 : 0, kLinPhase.left, kLinPhase.top);
     p.put(158, "", inUse ? 1 : 0, kPower.left, kPower.top);
     p.put(159, "", inUse ? 1 : 0, kResolution.left, kResolution.top);

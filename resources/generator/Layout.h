@@ -90,7 +90,6 @@ inline constexpr Rgb kHighlightCell = rgb(79, 79, 79);
 inline constexpr Rgb kAlarmCell = rgb(229, 53, 5);
 inline constexpr Rgb kGridLight = rgb(180, 180, 180);
 inline constexpr Rgb kGridDark = rgb(49, 49, 49);
-inline constexpr Rgb kSettingsPage = rgb(205, 229, 237);
 inline constexpr Rgb kNameFieldDark = rgb(36, 36, 32);
 
 // The panel's own palette.
