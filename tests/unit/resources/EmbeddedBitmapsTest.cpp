@@ -7,6 +7,7 @@
 #include <cairo.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -182,6 +183,71 @@ TEST(EmbeddedBitmaps, BackgroundLeavesTheHeaderStripAndReadoutsInTheirColours) {
     const uint32_t plot = pixel(s.get(), 30, 20);
     for (int y = 20; y < 163; ++y)
         for (int x = 30; x < 548; ++x) ASSERT_EQ(pixel(s.get(), x, y), plot) << x << "," << y;
+}
+
+// A bypassed band's pop-up shows the same images as the closed cell of the bypassed steps.
+TEST(EmbeddedBitmaps, TypeSwitchPopUpColumnRepeatsTheBypassedCells) {
+    for (int id = 145; id <= 152; ++id) {
+        SCOPED_TRACE(id);
+        const Surface s = decode(id);
+        ASSERT_TRUE(s);
+        const Sprite cells = *artwork::findSprite(id, "type cells");
+        const Sprite popUp = *artwork::findSprite(id, "type pop-up bypassed");
+        EXPECT_EQ(popUp.x - cells.x, 112);
+        for (int r = 0; r < 7; ++r) {
+            EXPECT_TRUE(sameImage(s.get(), popUp.x, popUp.y + r * popUp.stepY, cells.x, cells.y + (r + 7) * cells.stepY,
+                                  cells.width, cells.height))
+                << "shape " << r;
+            EXPECT_FALSE(sameImage(s.get(), cells.x, cells.y + r * cells.stepY, cells.x, cells.y + (r + 7) * cells.stepY,
+                                   cells.width, cells.height))
+                << "shape " << r << " looks the same on and off";
+        }
+    }
+}
+
+// The solo strip lights a button by drawing the image 21 pixels below its spot; the gaps
+// between the buttons, where a click does nothing, show nothing in either row.
+TEST(EmbeddedBitmaps, SoloStripHasEachLitButtonBelowItsSpotAndEmptyGaps) {
+    const Surface s = decode(161);
+    ASSERT_TRUE(s);
+    const int offsets[8] = {0, 70, 139, 207, 277, 347, 415, 485};
+    for (int b = 0; b < 8; ++b) {
+        const int x = 8 + offsets[b];
+        EXPECT_TRUE(hasInk(s.get(), x, 21, 21, 21)) << b;
+        EXPECT_FALSE(sameImage(s.get(), x, 0, x, 21, 21, 21)) << b;
+        if (b < 7) {
+            const int gap = x + 21, gapWidth = 8 + offsets[b + 1] - gap;
+            EXPECT_FALSE(hasInk(s.get(), gap, 0, gapWidth, 42)) << "gap after " << b;
+        }
+    }
+}
+
+// Each ring button is drawn only where a click reaches that button: the ring between radius
+// 46 and 61 round the jog's centre, within the button's slope range.
+TEST(EmbeddedBitmaps, JogRingButtonsLieInsideTheirClickZones) {
+    const Surface s = decode(132);
+    ASSERT_TRUE(s);
+    struct Zone {
+        const char* use;
+        int xSign, ySign;  // 0: either
+        double minSlope, maxSlope;
+    };
+    const Zone zones[] = {{"jog upper-left button", -1, -1, 0.33, 1.8}, {"jog upper-right button", 1, -1, 0.33, 1.8},
+                          {"jog top button", 0, -1, 2.5, 1e9},         {"jog lower-left button", -1, 1, 0.42, 2.3},
+                          {"jog lower-right button", 1, 1, 0.42, 2.3}};
+    for (const Zone& z : zones) {
+        const Sprite sp = *artwork::findSprite(132, z.use);
+        for (int frame = 0; frame < sp.count; ++frame)
+            for (int y = 0; y < sp.height; ++y)
+                for (int x = 0; x < sp.width; ++x) {
+                    if (alpha(pixel(s.get(), sp.x + x, sp.y + frame * sp.stepY + y)) < 64) continue;
+                    const int dx = x - 65, dy = y - 59, r2 = dx * dx + dy * dy;
+                    const double slope = dx == 0 ? 1e8 : std::abs(double(dy) / dx);
+                    const bool inside = r2 >= 2116 && r2 < 3722 && (z.xSign == 0 || z.xSign * dx > 0) &&
+                                        z.ySign * dy > 0 && slope > z.minSlope && slope < z.maxSlope;
+                    ASSERT_TRUE(inside) << z.use << " frame " << frame << " at " << x << "," << y;
+                }
+    }
 }
 
 }  // namespace
