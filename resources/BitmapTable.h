@@ -44,9 +44,10 @@ inline constexpr int kGlyphBaselineRow = 7;
 // the control's centre (645, 89). For step k (0..100) the knob indicator's centre lies at
 //   (65.5 + 30·cos a, 59.5 + 30·sin a), a = 135° + 2.7°·k,
 // angles clockwise from the +x axis with y downwards (step 0 lower left, 50 straight up, 100
-// lower right); its top-left corner is that point minus 3.5, rounded to the nearest pixel. The ring sheet holds each ring button as a whole 129 × 122 layer to
-// be drawn at the jog's own origin: frame 0 normal, 1 lit, 2 lit in the listen colour (used by
-// the upper-left and upper-right buttons while listen mode 1 or 2 is on).
+// lower right); its top-left corner is that point minus 3.5, rounded to the nearest pixel.
+// The ring sheet holds each ring button as a whole 129 × 122 layer to be drawn at the jog's
+// own origin: frame 0 normal, 1 lit, 2 lit in the listen colour (used by the upper-left and
+// upper-right buttons while listen mode 1 or 2 is on). Each button lies inside its click zone.
 inline constexpr int kJogCentreX = 65;
 inline constexpr int kJogCentreY = 59;
 inline constexpr int kJogIndicatorRadius = 30;

@@ -147,7 +147,8 @@ void paintResolution(cairo_t* cr, int id) {
             else
                 buttonFace(cr, x, y, segment, height, false, false);
             frameRounded(cr, x, y, segment, height, 2.5, kRimDark);
-            label(cr, names[i], x + segment / 2.0, y + 13, {9.0, lit ? kAccent : kLabelDim, true}, Align::Centre);
+            const Rgb text = lit ? kAccent : rgb(150, 158, 166);
+            label(cr, names[i], x + segment / 2.0, y + 13, {9.0, text, true}, Align::Centre);
         }
     }
 }

@@ -118,7 +118,9 @@ void paintStripSmallButtons(cairo_t* cr, int id) {
     const Sprite focus = *findSprite(id, "keyboard focus button");
     for (int frame = 0; frame < focus.count; ++frame) {
         const int y = focus.y + frame * focus.stepY;
-        const Rgb top = frame == 2 ? mix(kAccent, rgb(255, 255, 255), 0.3) : frame == 1 ? rgb(70, 84, 92) : rgb(34, 46, 54);
+        const Rgb top = frame == 2   ? mix(kAccent, rgb(255, 255, 255), 0.3)
+                        : frame == 1 ? rgb(70, 84, 92)
+                                     : rgb(34, 46, 54);
         const Rgb bottom = frame == 2 ? kAccent : frame == 1 ? rgb(52, 64, 72) : rgb(24, 34, 40);
         fillRounded(cr, focus.x, y, focus.width, focus.height, 3.0, top, bottom);
         frameRounded(cr, focus.x, y, focus.width, focus.height, 3.0, kRimDark);

@@ -195,11 +195,11 @@ TEST(EmbeddedBitmaps, TypeSwitchPopUpColumnRepeatsTheBypassedCells) {
         const Sprite popUp = *artwork::findSprite(id, "type pop-up bypassed");
         EXPECT_EQ(popUp.x - cells.x, 112);
         for (int r = 0; r < 7; ++r) {
-            EXPECT_TRUE(sameImage(s.get(), popUp.x, popUp.y + r * popUp.stepY, cells.x, cells.y + (r + 7) * cells.stepY,
-                                  cells.width, cells.height))
+            const int active = cells.y + r * cells.stepY, bypassed = cells.y + (r + 7) * cells.stepY;
+            EXPECT_TRUE(sameImage(s.get(), popUp.x, popUp.y + r * popUp.stepY, cells.x, bypassed, cells.width,
+                                  cells.height))
                 << "shape " << r;
-            EXPECT_FALSE(sameImage(s.get(), cells.x, cells.y + r * cells.stepY, cells.x, cells.y + (r + 7) * cells.stepY,
-                                   cells.width, cells.height))
+            EXPECT_FALSE(sameImage(s.get(), cells.x, active, cells.x, bypassed, cells.width, cells.height))
                 << "shape " << r << " looks the same on and off";
         }
     }
