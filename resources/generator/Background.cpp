@@ -68,8 +68,7 @@ void bandSection(cairo_t* cr) {
         powerIcon(cr, sw.left + 5.5, sw.top + 11.5, 3.3, kLabelDim, 1.2);
     }
     for (const ResetArea& area : kResetAreas) resetTab(cr, area);
-    label(cr, "SOLO", (kResetAreas[0].rect.left + kSoloist.left) / 2.0, kSoloist.top + 14, kPanelLabel,
-          Align::Centre);
+    label(cr, "SOLO", kResetAreas[0].rect.centreX(), kSoloist.top + 14, kPanelLabel, Align::Centre);
 }
 
 void rightColumn(cairo_t* cr) {
