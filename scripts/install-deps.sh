@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libfftw3-dev
   libsndfile1-dev
+  libcairo2-dev libfreetype-dev xfonts-base fonts-dejavu-extra
   clang libclang-rt-14-dev
 )
 
