@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libfftw3-dev
   libsndfile1-dev
+  libcairo2-dev libx11-dev libxtst-dev xvfb xauth
   clang libclang-rt-14-dev
 )
 
