@@ -9,8 +9,8 @@ struct CPoint {
     double x = 0;
     double y = 0;
 
-    CPoint() = default;
-    CPoint(double x, double y) : x(x), y(y) {}
+    constexpr CPoint() = default;
+    constexpr CPoint(double x, double y) : x(x), y(y) {}
     CPoint& offset(double dx, double dy) {
         x += dx;
         y += dy;
@@ -25,8 +25,8 @@ struct CRect {
     double right = 0;
     double bottom = 0;
 
-    CRect() = default;
-    CRect(double left, double top, double right, double bottom) : left(left), top(top), right(right), bottom(bottom) {}
+    constexpr CRect() = default;
+    constexpr CRect(double left, double top, double right, double bottom) : left(left), top(top), right(right), bottom(bottom) {}
     CRect(const CPoint& origin, double width, double height)
         : left(origin.x), top(origin.y), right(origin.x + width), bottom(origin.y + height) {}
 
