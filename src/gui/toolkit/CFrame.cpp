@@ -22,6 +22,7 @@ CFrame::~CFrame() {
     idleTasks.clear();
     window.reset();
     setModalView(nullptr);
+    deleteRemoved();
     focusView = mouseDownView = mouseOverView = nullptr;
     for (auto it = views.rbegin(); it != views.rend(); ++it) {
         (*it)->removed(this);
