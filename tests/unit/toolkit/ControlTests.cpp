@@ -11,18 +11,6 @@ namespace {
 
 using Calls = std::vector<SpyListener::Call>;
 
-TEST(Control, BounceValueKeepsTheRange) {
-    CControl c(CRect(0, 0, 10, 10));
-    c.setMin(-2);
-    c.setMax(3);
-    const std::pair<float, float> cases[] = {{-5, -2}, {-2, -2}, {0.5f, 0.5f}, {3, 3}, {7, 3}};
-    for (auto [in, out] : cases) {
-        c.setValue(in);
-        c.bounceValue();
-        EXPECT_EQ(c.getValue(), out) << in;
-    }
-}
-
 TEST(Control, CtrlLeftClickAloneResetsToTheDefault) {
     SpyListener spy;
     CControl c(CRect(0, 0, 10, 10), &spy, 7);
@@ -39,17 +27,6 @@ TEST(Control, CtrlLeftClickAloneResetsToTheDefault) {
         EXPECT_EQ(c.getValue(), resets ? 0.25f : 0.9f);
         EXPECT_EQ(spy.calls, resets ? (Calls{{"begin", 7, 0.9f}, {"changed", 7, 0.25f}, {"end", 7, 0.25f}}) : Calls{});
     }
-}
-
-TEST(Control, EndEditWithoutBeginTellsNobody) {
-    SpyListener spy;
-    CControl c(CRect(0, 0, 10, 10), &spy, 1);
-    c.endEdit();
-    c.beginEdit();
-    EXPECT_TRUE(c.isEditing());
-    c.endEdit();
-    c.endEdit();
-    EXPECT_EQ(spy.calls, (Calls{{"begin", 1, 0}, {"end", 1, 0}}));
 }
 
 TEST(Control, CopyKeepsStateAndItsOwnReferenceToTheBitmap) {

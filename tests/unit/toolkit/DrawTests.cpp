@@ -30,18 +30,6 @@ std::vector<CColor> row(const FrameImage& image, int y, int from, int to) {
     return out;
 }
 
-TEST(Bitmap, ReadsSizeAndCountsReferences) {
-    const auto png = testPng();
-    auto* bitmap = new CBitmap(png.data(), png.size());
-    EXPECT_TRUE(bitmap->isLoaded());
-    EXPECT_EQ(bitmap->getWidth(), 4);
-    EXPECT_EQ(bitmap->getHeight(), 2);
-    bitmap->remember();
-    EXPECT_EQ(bitmap->getNbReference(), 2);
-    bitmap->forget();
-    bitmap->forget();  // deleted; ASan would report a leak otherwise
-}
-
 TEST(Bitmap, BrokenOrTruncatedPngLoadsEmpty) {
     const auto png = testPng();
     const unsigned char junk[] = {1, 2, 3};

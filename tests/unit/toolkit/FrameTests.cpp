@@ -210,17 +210,4 @@ TEST(FrameMessage, MessageBoxIsModalAndClosesWithOkOrReturn) {
     EXPECT_EQ(frame.getModalView(), nullptr);
 }
 
-TEST(FrameIdle, TasksArePolledUntilTheyFinish) {
-    struct Countdown : FrameIdleTask {
-        int* left;
-        explicit Countdown(int* left) : left(left) {}
-        bool idle(CFrame&) override { return --*left > 0; }
-    };
-    CFrame frame(CRect(0, 0, 10, 10));
-    int left = 3;
-    frame.addIdleTask(std::make_unique<Countdown>(&left));
-    for (int i = 0; i < 5; ++i) frame.idle();
-    EXPECT_EQ(left, 0);
-}
-
 }  // namespace

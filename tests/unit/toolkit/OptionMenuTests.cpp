@@ -74,9 +74,9 @@ TEST_F(OptionMenuTest, TitlesAndRangeFollowTheEntries) {
 
 TEST_F(OptionMenuTest, RemovingTheMenuOrClosingTheFrameWithTheListOpenIsSafe) {
     click(frame, 325, 500);
+    const CPoint row = rowCentre(1);
     frame.removeView(menu);
     frame.idle();
-    const CPoint row = rowCentre(1);
     click(frame, row.x, row.y);  // the list no longer has a menu: nothing happens
     EXPECT_TRUE(spy.calls.empty());
 

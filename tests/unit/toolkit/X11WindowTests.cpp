@@ -7,6 +7,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
 #include <chrono>
 #include <cstdlib>
 #include <dirent.h>
@@ -130,6 +131,56 @@ TEST_F(X11Window, XTestClickReachesTheButtonAndTheWindowShowsTheFrame) {
     EXPECT_EQ((pixel >> 8) & 0xff, 60u);
     EXPECT_EQ(pixel & 0xff, 90u);
     XDestroyImage(shot);
+}
+
+// Records the button states of presses and the wheel steps it gets.
+struct InputLog : CView {
+    std::vector<int32_t>* presses;
+    std::vector<float>* wheel;
+    InputLog(std::vector<int32_t>* presses, std::vector<float>* wheel)
+        : CView(CRect(0, 0, 750, 509)), presses(presses), wheel(wheel) {}
+    CMouseEventResult onMouseDown(CPoint&, const CButtonState& b) override {
+        presses->push_back(b);
+        return kMouseEventHandled;
+    }
+    CMouseEventResult onMouseUp(CPoint&, const CButtonState&) override { return kMouseEventHandled; }
+    bool onWheel(const CPoint&, const float& distance, const CButtonState&) override {
+        wheel->push_back(distance);
+        return true;
+    }
+};
+
+TEST_F(X11Window, DoubleClicksModifiersAndWheelArriveFromX) {
+    std::vector<int32_t> presses;
+    std::vector<float> wheel;
+    CFrame frame(CRect(0, 0, 750, 509));
+    frame.addView(new InputLog(&presses, &wheel));
+    ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent)));
+    const Window child = children().at(0);
+    XWindowAttributes attributes;
+    ASSERT_TRUE(pumpUntil(frame, [&] {
+        XGetWindowAttributes(display, child, &attributes);
+        return attributes.map_state == IsViewable;
+    }));
+    auto clickButton = [&](unsigned button) {
+        XTestFakeButtonEvent(display, button, True, CurrentTime);
+        XTestFakeButtonEvent(display, button, False, CurrentTime);
+    };
+    const KeyCode control = XKeysymToKeycode(display, XK_Control_L);
+    XTestFakeMotionEvent(display, DefaultScreen(display), 200, 200, CurrentTime);
+    clickButton(1);
+    clickButton(1);  // at once: a double click
+    clickButton(1);  // a third press starts a new pair
+    XTestFakeKeyEvent(display, control, True, CurrentTime);
+    clickButton(3);
+    XTestFakeKeyEvent(display, control, False, CurrentTime);
+    clickButton(4);
+    clickButton(5);
+    clickButton(5);
+    XFlush(display);
+    EXPECT_TRUE(pumpUntil(frame, [&] { return presses.size() == 4 && wheel.size() == 3; }));
+    EXPECT_EQ(presses, (std::vector<int32_t>{kLButton, kLButton | kDoubleClick, kLButton, kRButton | kControl}));
+    EXPECT_EQ(wheel, (std::vector<float>{1, -1, -1}));
 }
 
 TEST_F(X11Window, HostsMayDispatchEventsThroughTheEventProcProperty) {
