@@ -19,8 +19,9 @@ struct RecordingView : CView {
 
     RecordingView(const CRect& r, std::vector<std::string>* log, std::string name)
         : CView(r), log(log), name(std::move(name)) {}
-    void note(const std::string& what, const CPoint& p) {
+    CMouseEventResult note(const std::string& what, const CPoint& p) {
         log->push_back(name + " " + what + " " + std::to_string(int(p.x)) + "," + std::to_string(int(p.y)));
+        return kMouseEventHandled;
     }
     void draw(CDrawContext* c) override {
         ++draws;
@@ -31,22 +32,10 @@ struct RecordingView : CView {
         note("down", p);
         return downResult;
     }
-    CMouseEventResult onMouseUp(CPoint& p, const CButtonState&) override {
-        note("up", p);
-        return kMouseEventHandled;
-    }
-    CMouseEventResult onMouseMoved(CPoint& p, const CButtonState&) override {
-        note("moved", p);
-        return kMouseEventHandled;
-    }
-    CMouseEventResult onMouseEntered(CPoint& p, const CButtonState&) override {
-        note("entered", p);
-        return kMouseEventHandled;
-    }
-    CMouseEventResult onMouseExited(CPoint& p, const CButtonState&) override {
-        note("exited", p);
-        return kMouseEventHandled;
-    }
+    CMouseEventResult onMouseUp(CPoint& p, const CButtonState&) override { return note("up", p); }
+    CMouseEventResult onMouseMoved(CPoint& p, const CButtonState&) override { return note("moved", p); }
+    CMouseEventResult onMouseEntered(CPoint& p, const CButtonState&) override { return note("entered", p); }
+    CMouseEventResult onMouseExited(CPoint& p, const CButtonState&) override { return note("exited", p); }
     bool onWheel(const CPoint& p, const float& d, const CButtonState&) override {
         note("wheel " + std::to_string(int(d)), p);
         return true;

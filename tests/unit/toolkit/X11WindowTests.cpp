@@ -92,6 +92,18 @@ protected:
         return false;
     }
 
+    // Opens the frame in the parent window and idles it until the window shows; answers the window.
+    Window openShown(CFrame& frame) {
+        if (!frame.open(reinterpret_cast<void*>(parent)) || children().size() != 1) return 0;
+        const Window child = children()[0];
+        XWindowAttributes attributes;
+        const bool shown = pumpUntil(frame, [&] {
+            XGetWindowAttributes(display, child, &attributes);
+            return attributes.map_state == IsViewable;
+        });
+        return shown ? child : 0;
+    }
+
     static inline platform::ChildProcess* server = nullptr;
     static inline Display* display = nullptr;
     Window parent = 0;
@@ -104,17 +116,12 @@ TEST_F(X11Window, XTestClickReachesTheButtonAndTheWindowShowsTheFrame) {
     CFrame frame(CRect(0, 0, 750, 509));
     frame.setBackgroundColor(CColor{30, 60, 90, 255});
     frame.addView(new CKickButton(kButton, &spy, 42, 30, nullptr));
-    ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent)));
-    ASSERT_EQ(children().size(), 1u);
-    const Window child = children()[0];
+    const Window child = openShown(frame);
+    ASSERT_NE(child, 0u);
     XWindowAttributes attributes;
     XGetWindowAttributes(display, child, &attributes);
     EXPECT_EQ(attributes.width, 750);
     EXPECT_EQ(attributes.height, 509);
-    ASSERT_TRUE(pumpUntil(frame, [&] {
-        XGetWindowAttributes(display, child, &attributes);
-        return attributes.map_state == IsViewable;
-    }));
 
     XTestFakeMotionEvent(display, DefaultScreen(display), 120, 115, CurrentTime);
     XTestFakeButtonEvent(display, 1, True, CurrentTime);
@@ -155,13 +162,7 @@ TEST_F(X11Window, DoubleClicksModifiersAndWheelArriveFromX) {
     std::vector<float> wheel;
     CFrame frame(CRect(0, 0, 750, 509));
     frame.addView(new InputLog(&presses, &wheel));
-    ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent)));
-    const Window child = children().at(0);
-    XWindowAttributes attributes;
-    ASSERT_TRUE(pumpUntil(frame, [&] {
-        XGetWindowAttributes(display, child, &attributes);
-        return attributes.map_state == IsViewable;
-    }));
+    ASSERT_NE(openShown(frame), 0u);
     auto clickButton = [&](unsigned button) {
         XTestFakeButtonEvent(display, button, True, CurrentTime);
         XTestFakeButtonEvent(display, button, False, CurrentTime);
