@@ -31,7 +31,6 @@ void CControl::setBackground(CBitmap* bitmap) {
 
 void CControl::draw(CDrawContext* context) {
     if (background) background->draw(context, size);
-    setDirty(false);
 }
 
 void CControl::drawBackgroundFrame(CDrawContext* context, int index, double frameHeight) const {

@@ -190,8 +190,9 @@ void CFrame::drawArea(const CRect& area) {
     }
     auto drawView = [&](CView* view) {
         if (!view->isVisible() || !view->getViewSize().rectOverlap(area)) return;
-        view->draw(&context);
+        // Cleared first: a value stored while the view draws marks it again for the next idle.
         view->setDirty(false);
+        view->draw(&context);
     };
     for (CView* view : views)
         if (view != modalView) drawView(view);

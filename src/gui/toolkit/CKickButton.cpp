@@ -6,7 +6,6 @@ CKickButton::CKickButton(const CRect& size, CControlListener* listener, int32_t 
 
 void CKickButton::draw(CDrawContext* context) {
     drawBackgroundFrame(context, value == vmax ? 1 : 0, heightOfOneImage);
-    setDirty(false);
 }
 
 CMouseEventResult CKickButton::onMouseDown(CPoint& where, const CButtonState& buttons) {

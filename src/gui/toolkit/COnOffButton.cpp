@@ -5,7 +5,6 @@ COnOffButton::COnOffButton(const CRect& size, CControlListener* listener, int32_
 
 void COnOffButton::draw(CDrawContext* context) {
     drawBackgroundFrame(context, value == vmax ? 1 : 0, size.getHeight());
-    setDirty(false);
 }
 
 CMouseEventResult COnOffButton::onMouseDown(CPoint& where, const CButtonState& buttons) {

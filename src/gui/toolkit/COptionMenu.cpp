@@ -51,7 +51,6 @@ public:
             context->drawString(owner.entries[static_cast<size_t>(i)].getTitle(),
                                 CRect(row.left + kTextInset, row.top, row.right - 2, row.bottom), kLeftText);
         }
-        setDirty(false);
     }
 
     CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override {
@@ -144,7 +143,6 @@ void COptionMenu::draw(CDrawContext* context) {
         context->setFillColor(fontColor);
         context->drawPolygon(arrow, 3, kDrawFilled);
     }
-    setDirty(false);
 }
 
 CMouseEventResult COptionMenu::onMouseDown(CPoint& where, const CButtonState& buttons) {

@@ -11,7 +11,6 @@ CRockerSwitch::CRockerSwitch(const CRect& size, CControlListener* listener, int3
 void CRockerSwitch::draw(CDrawContext* context) {
     const int index = value < 0 ? 0 : value > 0 ? 2 : 1;
     drawBackgroundFrame(context, index, heightOfOneImage);
-    setDirty(false);
 }
 
 CMouseEventResult CRockerSwitch::onMouseDown(CPoint& where, const CButtonState& buttons) {

@@ -57,7 +57,6 @@ void CTextEdit::draw(CDrawContext* context) {
         const double x = std::floor(caretX[cursor]);
         context->drawLine(CPoint(x, size.top + 2), CPoint(x, size.bottom - 3));
     }
-    setDirty(false);
 }
 
 size_t CTextEdit::positionAt(double x) const {
