@@ -34,7 +34,7 @@ std::string findProgram(const std::string& name) {
 
 ChildProcess::~ChildProcess() {
     if (pid > 0) {
-        kill(pid, SIGTERM);
+        kill(pid, SIGKILL);  // nothing a dialog or an opener holds is worth waiting for
         waitpid(pid, nullptr, 0);
     }
     closeOutput();

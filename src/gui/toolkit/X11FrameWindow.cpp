@@ -109,11 +109,11 @@ public:
         : display(display), window(window), frame(frame) {
         surface = cairo_xlib_surface_create(display, window, visual, static_cast<int>(frame.getWidth()),
                                             static_cast<int>(frame.getHeight()));
-        open().push_back(this);
+        openWindows().push_back(this);
     }
 
     ~X11FrameWindow() override {
-        std::erase(open(), this);
+        std::erase(openWindows(), this);
         cairo_surface_destroy(surface);
         {
             ErrorTrap trap(display);
@@ -155,7 +155,7 @@ public:
     // Called by hosts that read the window's _XEventProc property.
     static void eventProc(XEvent* event) {
         if (!event) return;
-        for (X11FrameWindow* w : open()) {
+        for (X11FrameWindow* w : openWindows()) {
             if (w->window != event->xany.window) continue;
             if (isInputEvent(event->type)) w->hostDispatches = true;
             ErrorTrap trap(w->display);
@@ -165,7 +165,7 @@ public:
     }
 
 private:
-    static std::vector<X11FrameWindow*>& open() {
+    static std::vector<X11FrameWindow*>& openWindows() {
         static std::vector<X11FrameWindow*> windows;
         return windows;
     }
