@@ -8,7 +8,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libfftw3-dev
   libsndfile1-dev
-  libcairo2-dev libfreetype-dev xfonts-base fonts-dejavu-extra
+  libcairo2-dev libfreetype-dev libx11-dev libxtst-dev xvfb xauth
+  xfonts-base fonts-dejavu-extra
   clang libclang-rt-14-dev
 )
 

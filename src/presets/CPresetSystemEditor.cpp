@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "gui/toolkit/CControl.h"
 #include "platform/AtomicFile.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/ImageBuilder.h"
@@ -19,7 +20,19 @@ constexpr size_t kFloatBytes = 4;
 
 int clampedCount(size_t n) { return static_cast<int>(std::min<size_t>(n, INT_MAX)); }
 
+bool isParameter(AudioEffect* effect, int32_t tag) {
+    return effect && tag >= 0 && tag < effect->getAeffect()->numParams;
+}
+
 }  // namespace
+
+void CPresetSystemEditor::controlBeginEdit(CControl* control) {
+    if (isParameter(effect, control->getTag())) beginEdit(control->getTag());
+}
+
+void CPresetSystemEditor::controlEndEdit(CControl* control) {
+    if (isParameter(effect, control->getTag())) endEdit(control->getTag());
+}
 
 CPresetSystemEditor::CPresetSystemEditor(AudioEffect* effect)
     : AEffGUIEditor(effect), store(platform::UserStore::forCurrentUser()) {}

@@ -28,6 +28,10 @@ public:
     ~CPresetSystemEditor() override;
 
     void valueChanged(CControl* /*control*/) override {}
+    // A control's gesture on a parameter (its tag) is an edit the host hears about; the tags of
+    // commands and of the preset strip are not parameters and stay here.
+    void controlBeginEdit(CControl* control) override;
+    void controlEndEdit(CControl* control) override;
 
     // What the preset strip shows; the strip overrides these.
     // The current preset was renamed or replaced: the name display follows.

@@ -1,5 +1,6 @@
 #pragma once
-// What a control tells its listener (the editor) when the user changes it.
+// What a control tells its listener (the editor) when the user changes it, and the bracket
+// around a gesture (a drag, a click) that the listener passes on to the host as an edit.
 
 class CControl;
 
@@ -7,4 +8,6 @@ class CControlListener {
 public:
     virtual ~CControlListener() = default;
     virtual void valueChanged(CControl* control) = 0;
+    virtual void controlBeginEdit(CControl* /*control*/) {}
+    virtual void controlEndEdit(CControl* /*control*/) {}
 };

@@ -1,0 +1,243 @@
+// The frame in a real X11 child window, on an Xvfb server that the test starts itself: a click
+// made with the X test extension reaches a button, hosts that dispatch through _XEventProc
+// reach it too, and hundreds of open/close cycles leave nothing behind.
+#include <gtest/gtest.h>
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+#include <chrono>
+#include <cstdlib>
+#include <dirent.h>
+#include <thread>
+
+#include "ToolkitSupport.h"
+#include "gui/toolkit/CKickButton.h"
+#include "platform/ChildProcess.h"
+
+namespace {
+
+int openFileCount() {
+    int count = 0;
+    if (DIR* dir = opendir("/proc/self/fd")) {
+        while (readdir(dir)) ++count;
+        closedir(dir);
+    }
+    return count;
+}
+
+int xErrors = 0;
+int countXError(Display*, XErrorEvent*) {
+    ++xErrors;
+    return 0;
+}
+
+class X11Window : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        if (platform::findProgram("Xvfb").empty()) return;
+        server = new platform::ChildProcess;
+        // -displayfd prints the display number it chose once it accepts connections.
+        if (!server->start({"Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"})) return;
+        for (int i = 0; i < 1000 && server->output().find('\n') == std::string::npos; ++i) {
+            if (server->poll()) return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        const std::string number = server->output().substr(0, server->output().find('\n'));
+        if (number.empty()) return;
+        setenv("DISPLAY", (":" + number).c_str(), 1);
+        display = XOpenDisplay(nullptr);
+    }
+    static void TearDownTestSuite() {
+        if (display) XCloseDisplay(display);
+        display = nullptr;
+        delete server;  // terminates the server
+        server = nullptr;
+    }
+
+    void SetUp() override {
+        if (!display) GTEST_SKIP() << "Xvfb is not installed or did not start (Debian package xvfb)";
+        XSetErrorHandler(countXError);
+        xErrors = 0;
+        parent = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 800, 600, 0, 0, 0);
+        XMapWindow(display, parent);
+        XSync(display, False);
+    }
+    void TearDown() override {
+        if (!display) return;
+        XDestroyWindow(display, parent);
+        XSync(display, False);
+        EXPECT_EQ(xErrors, 0);
+    }
+
+    std::vector<Window> children() {
+        Window root, up, *list = nullptr;
+        unsigned count = 0;
+        XQueryTree(display, parent, &root, &up, &list, &count);
+        std::vector<Window> out(list, list + count);
+        if (list) XFree(list);
+        return out;
+    }
+
+    // Idles the frame until the condition holds or two seconds have passed.
+    template <typename Condition>
+    bool pumpUntil(CFrame& frame, Condition condition) {
+        for (int i = 0; i < 200; ++i) {
+            frame.idle();
+            if (condition()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+    // Opens the frame in the parent window and idles it until the window shows; answers the window.
+    Window openShown(CFrame& frame) {
+        if (!frame.open(reinterpret_cast<void*>(parent)) || children().size() != 1) return 0;
+        const Window child = children()[0];
+        XWindowAttributes attributes;
+        const bool shown = pumpUntil(frame, [&] {
+            XGetWindowAttributes(display, child, &attributes);
+            return attributes.map_state == IsViewable;
+        });
+        return shown ? child : 0;
+    }
+
+    static inline platform::ChildProcess* server = nullptr;
+    static inline Display* display = nullptr;
+    Window parent = 0;
+};
+
+constexpr CRect kButton(100, 100, 140, 130);
+
+TEST_F(X11Window, XTestClickReachesTheButtonAndTheWindowShowsTheFrame) {
+    SpyListener spy;
+    CFrame frame(CRect(0, 0, 750, 509));
+    frame.setBackgroundColor(CColor{30, 60, 90, 255});
+    frame.addView(new CKickButton(kButton, &spy, 42, 30, nullptr));
+    const Window child = openShown(frame);
+    ASSERT_NE(child, 0u);
+    XWindowAttributes attributes;
+    XGetWindowAttributes(display, child, &attributes);
+    EXPECT_EQ(attributes.width, 750);
+    EXPECT_EQ(attributes.height, 509);
+
+    XTestFakeMotionEvent(display, DefaultScreen(display), 120, 115, CurrentTime);
+    XTestFakeButtonEvent(display, 1, True, CurrentTime);
+    XTestFakeButtonEvent(display, 1, False, CurrentTime);
+    XFlush(display);
+    EXPECT_TRUE(pumpUntil(frame, [&] { return spy.changedValues().size() == 2; }));
+    EXPECT_EQ(spy.changedValues(), (std::vector<float>{1, 0}));
+
+    frame.idle();
+    XImage* shot = XGetImage(display, child, 0, 0, 750, 509, AllPlanes, ZPixmap);
+    ASSERT_NE(shot, nullptr);
+    const unsigned long pixel = XGetPixel(shot, 10, 10);
+    EXPECT_EQ((pixel >> 16) & 0xff, 30u);
+    EXPECT_EQ((pixel >> 8) & 0xff, 60u);
+    EXPECT_EQ(pixel & 0xff, 90u);
+    XDestroyImage(shot);
+}
+
+// Records the button states of presses and the wheel steps it gets.
+struct InputLog : CView {
+    std::vector<int32_t>* presses;
+    std::vector<float>* wheel;
+    InputLog(std::vector<int32_t>* presses, std::vector<float>* wheel)
+        : CView(CRect(0, 0, 750, 509)), presses(presses), wheel(wheel) {}
+    CMouseEventResult onMouseDown(CPoint&, const CButtonState& b) override {
+        presses->push_back(b);
+        return kMouseEventHandled;
+    }
+    CMouseEventResult onMouseUp(CPoint&, const CButtonState&) override { return kMouseEventHandled; }
+    bool onWheel(const CPoint&, const float& distance, const CButtonState&) override {
+        wheel->push_back(distance);
+        return true;
+    }
+};
+
+TEST_F(X11Window, DoubleClicksModifiersAndWheelArriveFromX) {
+    std::vector<int32_t> presses;
+    std::vector<float> wheel;
+    CFrame frame(CRect(0, 0, 750, 509));
+    frame.addView(new InputLog(&presses, &wheel));
+    ASSERT_NE(openShown(frame), 0u);
+    auto clickButton = [&](unsigned button) {
+        XTestFakeButtonEvent(display, button, True, CurrentTime);
+        XTestFakeButtonEvent(display, button, False, CurrentTime);
+    };
+    const KeyCode control = XKeysymToKeycode(display, XK_Control_L);
+    XTestFakeMotionEvent(display, DefaultScreen(display), 200, 200, CurrentTime);
+    clickButton(1);
+    clickButton(1);  // at once: a double click
+    clickButton(1);  // a third press starts a new pair
+    XTestFakeKeyEvent(display, control, True, CurrentTime);
+    clickButton(3);
+    XTestFakeKeyEvent(display, control, False, CurrentTime);
+    clickButton(4);
+    clickButton(5);
+    clickButton(5);
+    XFlush(display);
+    EXPECT_TRUE(pumpUntil(frame, [&] { return presses.size() == 4 && wheel.size() == 3; }));
+    EXPECT_EQ(presses, (std::vector<int32_t>{kLButton, kLButton | kDoubleClick, kLButton, kRButton | kControl}));
+    EXPECT_EQ(wheel, (std::vector<float>{1, -1, -1}));
+}
+
+TEST_F(X11Window, HostsMayDispatchEventsThroughTheEventProcProperty) {
+    SpyListener spy;
+    CFrame frame(CRect(0, 0, 750, 509));
+    frame.addView(new CKickButton(kButton, &spy, 42, 30, nullptr));
+    ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent)));
+    const Window child = children().at(0);
+
+    const Atom atom = XInternAtom(display, "_XEventProc", False);
+    Atom type;
+    int format;
+    unsigned long items, after;
+    unsigned char* data = nullptr;
+    ASSERT_EQ(XGetWindowProperty(display, child, atom, 0, 2, False, AnyPropertyType, &type, &format, &items, &after, &data),
+              Success);
+    ASSERT_EQ(items, 2u);
+    const long* halves = reinterpret_cast<const long*>(data);
+    const uintptr_t address = (static_cast<uintptr_t>(halves[1]) << 32) | (static_cast<uintptr_t>(halves[0]) & 0xffffffffu);
+    XFree(data);
+    auto* proc = reinterpret_cast<void (*)(XEvent*)>(address);
+
+    XEvent event{};
+    event.xbutton.type = ButtonPress;
+    event.xbutton.display = display;
+    event.xbutton.window = child;
+    event.xbutton.button = Button1;
+    event.xbutton.x = 110;
+    event.xbutton.y = 110;
+    proc(&event);
+    event.xbutton.type = ButtonRelease;
+    proc(&event);
+    EXPECT_EQ(spy.changedValues(), (std::vector<float>{1, 0}));
+    event.xbutton.window = parent;  // not ours: ignored
+    proc(&event);
+    EXPECT_EQ(spy.changedValues().size(), 2u);
+}
+
+TEST_F(X11Window, ABadParentFailsCleanlyAndTheFrameStaysOffScreen) {
+    CFrame frame(CRect(0, 0, 10, 10));
+    EXPECT_FALSE(frame.open(reinterpret_cast<void*>(uintptr_t{0x7fffff0})));
+    EXPECT_FALSE(frame.open(nullptr));
+    EXPECT_FALSE(frame.isWindowOpen());
+}
+
+TEST_F(X11Window, TwoHundredOpenCloseCyclesLeaveNothingBehind) {
+    const int filesBefore = openFileCount();
+    for (int i = 0; i < 200; ++i) {
+        CFrame frame(CRect(0, 0, 750, 509));
+        frame.addView(new CKickButton(kButton, nullptr, 0, 30, nullptr));
+        ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent))) << i;
+        frame.idle();
+    }
+    XSync(display, False);
+    EXPECT_TRUE(children().empty());
+    EXPECT_EQ(openFileCount(), filesBefore);
+}
+
+}  // namespace
