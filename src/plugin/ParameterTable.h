@@ -14,6 +14,8 @@ float startValue(int index);
 // The host-visible name ("FLT3 Gain R" for index 64); "dummy" for the spare slots.
 void parameterName(int index, char* text);
 
+enum BandField : int { kTypeField = 0, kFreqField = 1, kQField = 2, kGainField = 3 };
+
 // Band parameters: which band (0..7), side (0 left/mid, 1 right/side) and field
 // (0 type, 1 frequency, 2 Q, 3 gain) an index addresses; false for other indexes.
 bool bandParameter(int index, int& band, int& side, int& field);

@@ -26,10 +26,9 @@ CPresetSystemEffect::CPresetSystemEffect(audioMasterCallback audioMaster)
     loadFactoryPresets();
     if (presets) {
         presetTemplate = presets[0];
-        isLoading = 1;
+        presets::LoadingFlag::Scope loading(isLoading);
         for (int slot = 0; slot < kPresetSlots; ++slot)
             CPresetSystemEffect::setParameter(slot, presets[0].values[slot]);
-        isLoading = 0;
     }
 }
 
@@ -79,14 +78,13 @@ bool CPresetSystemEffect::getProgramNameIndexed(VstInt32 /*category*/, VstInt32 
 void CPresetSystemEffect::selectPreset(int index) {
     if (!presets) return;
     if (index < 0 || index >= kPresetCount) index = 0;
-    isLoading = 1;
+    presets::LoadingFlag::Scope loading(isLoading);
     curProgram = 0;
     currentPreset = index;
     for (int slot = 0; slot < kPresetSlots; ++slot) setParameter(slot, presets[index].values[slot]);
     updateDisplay();
     beginEdit(0);
     endEdit(0);
-    isLoading = 0;
 }
 
 void CPresetSystemEffect::setPresetName(const char* name) {

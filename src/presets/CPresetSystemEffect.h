@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "presets/LoadingFlag.h"
 #include "presets/PresetRecord.h"
 #include "vst/AudioEffectX.h"
 
@@ -48,7 +49,7 @@ public:
     virtual void restoreStartupState();
     virtual void loadFactoryPresets();
 
-    bool isLoadingPreset() const { return isLoading != 0; }
+    bool isLoadingPreset() const { return static_cast<bool>(isLoading); }
     const presets::PresetRecord* getPreset(int index) const;
     const presets::PresetRecord& getTemplate() const { return presetTemplate; }
     // The bank's kPresetCount records, for the image loaders and builders (null without a bank).
@@ -65,5 +66,5 @@ protected:
     std::unique_ptr<uint8_t[]> chunkBuffer;
     int32_t chunkBufferSize = 0;
     presets::PresetRecord presetTemplate{};
-    uint8_t isLoading = 0;
+    presets::LoadingFlag isLoading;
 };

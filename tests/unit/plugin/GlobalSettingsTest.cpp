@@ -52,7 +52,6 @@ TEST_F(GlobalSettings, StoredValuesReachEveryPresetAndMissingOnesTakeDefaults) {
     p.getParameterDisplay(74, text);
     EXPECT_STREQ(text, "undef");
     EXPECT_EQ(p.getParameter(75), 2.5f / 16);
-    EXPECT_EQ(p.getAnalyzer()->speed(), 2);
     EXPECT_EQ(p.getParameter(76), 3.0f / 32);  // default: average
     EXPECT_EQ(p.getParameter(82), 1.0f / 32);
     int mode = -1;
