@@ -326,8 +326,12 @@ float Plugin::getParameter(VstInt32 index) {
     return CPresetSystemEffect::getParameter(index);
 }
 
-void Plugin::setParameter(VstInt32 index, float value) {
-    if (index < 0) return;
+// A value that is not a number changes nothing and reaches no one; one outside 0..1 is held
+// to it before anything is stored or derived.
+void Plugin::setParameter(VstInt32 index, float received) {
+    const auto admittedValue = admitted(received);
+    if (index < 0 || !admittedValue) return;
+    const float value = *admittedValue;
     if (index < kUsedParameters) {
         parameters.setValue(index, value);
         int band, side, field;
@@ -420,8 +424,10 @@ void Plugin::setBandFrequency(int band, float value) { setBandFromEditor(band, k
 void Plugin::setBandGain(int band, float value) { setBandFromEditor(band, kGainField, value); }
 void Plugin::setBandQ(int band, float value) { setBandFromEditor(band, kQField, value); }
 
-void Plugin::setBandFromEditor(int b, int field, float value) {
-    if (b < 0 || b >= kBands) return;
+void Plugin::setBandFromEditor(int b, int field, float received) {
+    const auto admittedValue = admitted(received);
+    if (b < 0 || b >= kBands || !admittedValue) return;
+    const float value = *admittedValue;
     const bool mono = inputChannels == 1;
     {
         platform::TimedLock::Guard design(designLock);

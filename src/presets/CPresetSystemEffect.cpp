@@ -8,6 +8,7 @@
 #include "presets/FactoryPresets.h"
 #include "presets/ImageBuilder.h"
 #include "presets/ImageLoader.h"
+#include "presets/Parameters.h"
 #include "presets/RecordImage.h"
 
 using presets::kNameField;
@@ -43,7 +44,7 @@ const PresetRecord* CPresetSystemEffect::getPreset(int index) const {
 
 void CPresetSystemEffect::setParameter(VstInt32 index, float value) {
     if (!presets || index < 0 || index >= kPresetSlots) return;
-    presets[currentPreset].values[index] = value;
+    if (const auto v = params::admitted(value)) presets[currentPreset].values[index] = *v;
 }
 
 float CPresetSystemEffect::getParameter(VstInt32 index) {

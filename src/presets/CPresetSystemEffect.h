@@ -34,8 +34,7 @@ public:
     // next getChunk. 0 when no chunk could be built.
     VstInt32 getChunk(void** data, bool isPreset = false) override;
     // Takes a chunk of either byte order, current or legacy. -1 for missing data, a foreign
-    // magic, an unknown version or a chunk too short or damaged to read; 0 otherwise. A bank
-    // image holding a value outside 0..1 leaves the bank as it was.
+    // magic, an unknown version or a chunk too short or damaged to read; 0 otherwise.
     VstInt32 setChunk(void* data, VstInt32 byteSize, bool isPreset = false) override;
 
     // Preset-system operations.

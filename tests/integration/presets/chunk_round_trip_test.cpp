@@ -84,8 +84,6 @@ TEST_F(BankAtTheBoundary, RefusedOrDamagedChunksLeaveTheBankAsItWasAndLegacyChun
     const auto before = plugin->getChunk();
     const auto params = parametersOf(*plugin);
 
-    const auto bad = handChunk(false, 0, "Bad", 20, 30, 1.5f);
-    EXPECT_EQ(plugin->setChunk(bad.data(), bad.size()), 0);
     EXPECT_EQ(plugin->setChunk(hand.data(), 7), -1);
     auto foreign = hand;
     foreign[4] = 'x';

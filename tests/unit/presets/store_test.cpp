@@ -115,8 +115,8 @@ TEST_F(StoredDefaults, MemoriesReplaceOnlyThePresetBeingEditedAndMissingOrDamage
     foreign.data[2] = 'z';
     writeBytes(stored("MemoA"), foreign.data);
     writeBytes(stored("MemoB"), {0x72, 0x76, 0x58, 0x54});
-    writeBytes(stored("DefaultPreset"), presetImage(true, "Bad", {{3, 1.5f}}).data);
-    writeBytes(stored("DefaultBank"), handBank(false, 0, "Bad", 0, 0, -1.0f).data);
+    writeBytes(stored("DefaultPreset"), Bytes().magic().u8(0x21).text("Short name", 20).data);
+    writeBytes(stored("DefaultBank"), Bytes().header(0x39, 0, 0, 0).data);
     const auto current = fx.bankCopy();
     fx.selections.clear();
     EXPECT_FALSE(fx.ed().recallMemoA());
