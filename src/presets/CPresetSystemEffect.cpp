@@ -42,6 +42,11 @@ const PresetRecord* CPresetSystemEffect::getPreset(int index) const {
     return &presets[index];
 }
 
+VstIntPtr CPresetSystemEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+    if (opcode == effSetChunk && !ptr) return -1;
+    return AudioEffectX::dispatcher(opcode, index, value, ptr, opt);
+}
+
 void CPresetSystemEffect::setParameter(VstInt32 index, float value) {
     if (!presets || index < 0 || index >= kPresetSlots) return;
     if (const auto v = params::admitted(value)) presets[currentPreset].values[index] = *v;

@@ -21,6 +21,8 @@ public:
     ~CPresetSystemEffect() override;
 
     // Host-facing operations.
+    // A chunk call without data is refused with -1 (the base would answer 0 for any missing buffer).
+    VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     void setParameter(VstInt32 index, float value) override;
     float getParameter(VstInt32 index) override;
     VstInt32 getProgram() override { return 0; }

@@ -206,3 +206,22 @@ TEST_F(Parameters, ValueTextsPreviewsAndLinkedSides) {
         {'g', 62, 0.75f}, {'s', 71, 0.5f, "RIGHT"}, {'s', 30, 1.0f, "20000"}, {'d', 22, 0.0f, "632"},
     });
 }
+
+TEST_F(HostBoundary, ProgramNamesKeepTheFieldsRestAndChunkCallsWithoutDataAreRefused) {
+    // A shorter name is copied with its NUL; the rest of the 24-byte field stays as it was and
+    // travels in the chunk (name field of preset 0: prefix 8, header 41, record head 12).
+    plugin->setProgramName("A rather long preset name");
+    plugin->setProgramName("Hi");
+    char raw[32];
+    std::memset(raw, 'x', sizeof raw);
+    plugin->dispatch(effGetProgramName, 0, 0, raw);
+    EXPECT_EQ(std::string(raw, 26), std::string("Hi\0ather long preset na\0\0x", 26));
+    const auto chunk = plugin->getChunk();
+    ASSERT_GE(chunk.size(), 8u + 41 + 12 + 24);
+    const std::string field(chunk.begin() + 61, chunk.begin() + 61 + 24);
+    EXPECT_EQ(field, std::string("Hi\0ather long preset na\0", 24));
+
+    EXPECT_EQ(plugin->dispatch(effSetChunk, 0, 100, nullptr), -1);
+    EXPECT_EQ(plugin->dispatch(effSetChunk, 1, 100, nullptr), -1);
+    EXPECT_EQ(plugin->getChunk(), chunk);
+}
