@@ -12,16 +12,6 @@
 
 using namespace params;
 
-namespace {
-
-std::string latencyText(const Plugin& p) {
-    char text[Plugin::kLatencyTextSize] = {};
-    p.getLatencyText(text);
-    return text;
-}
-
-}  // namespace
-
 TEST(LatencyFigures, ConstantModeCoversEveryPathOfTheRateClass) {
     for (int rate : {44100, 48000, 88200, 96000, 176400, 192000}) {
         const int k = latency::constantDelay(rate);
@@ -43,52 +33,44 @@ TEST(LatencyFigures, ConstantModeCoversEveryPathOfTheRateClass) {
     }
 }
 
-TEST(LatencyReporting, EachModeReportsItsDelayAndText) {
+// A mode change shows in the text at once but reaches the record only at the next sample-rate or
+// block-size call (the same rate again counts).
+TEST(LatencyReporting, ModeRateAndBlockSizeGiveTheRecordDelayAndText) {
     PluginHarness h;
     Plugin& p = *h.plugin;
-    int mode = -1;
-    p.getLatencyMode(mode);
-    EXPECT_EQ(mode, 2);  // a first run compensates the constant delay
-    EXPECT_EQ(p.getAeffect()->initialDelay, 24638);
-    EXPECT_EQ(latencyText(p), "(compensated) 24638 samples (558.68 ms)");
-
-    // Mode 0 reports the path's own delay but tells the host nothing.
-    p.setLatencyMode(0);
-    p.setSampleRate(48000.0f);
-    p.setBlockSize(512);
-    p.setParameter(kLinPhase, stepCentre(1, 2));
-    p.setParameter(kFat, stepCentre(0, 2));
-    p.setParameter(kResolution, stepCentre(0, 3));
+    struct Step {
+        int mode;     // -1: keep
+        float rate;   // 0: no call
+        int block;    // 0: no call
+        int linPhase; // -1: keep
+        int record;
+        const char* text;
+    } steps[] = {
+        {-1, 0, 0, -1, 24638, "(compensated) 24638 samples (558.68 ms)"},  // a first run compensates
+        {0, 0, 0, -1, 24638, "(not compensated)"},
+        {-1, 0, 256, -1, 0, "(not compensated)"},
+        {-1, 48000, 512, 1, 0, "(not compensated) 2559 samples (53.31 ms)"},  // P/2 + N/2 − 1
+        {2, 0, 0, -1, 0, "(compensated) 24638"},
+        {-1, 44100, 0, -1, 24638, "(compensated) 24638"},
+        {-1, 96000, 0, -1, 49276, "(compensated) 49276"},
+        // Mode 1 compensates only the minimum-phase path's delay, which 96 kHz does not have.
+        {1, 44100, 0, 0, 63, "(compensated) 63 samples"},
+        {-1, 96000, 0, -1, 0, "(compensated) 0 samples"},
+    };
+    for (const Step& s : steps) {
+        if (s.mode >= 0) p.setLatencyMode(s.mode);
+        if (s.linPhase >= 0) p.setParameter(kLinPhase, stepCentre(s.linPhase, 2));
+        if (s.rate > 0) p.setSampleRate(s.rate);
+        if (s.block > 0) p.setBlockSize(s.block);
+        char text[Plugin::kLatencyTextSize] = {};
+        p.getLatencyText(text);
+        EXPECT_EQ(p.getAeffect()->initialDelay, s.record) << s.text;
+        EXPECT_EQ(std::string(text).rfind(s.text, 0), 0u) << text;
+    }
     int reported, path, padding;
-    p.getLatencyInfo(reported, path, padding);
-    EXPECT_EQ(reported, 2559);
-    EXPECT_EQ(path, 2559);
-    EXPECT_EQ(padding, 0);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 0);
-    EXPECT_EQ(latencyText(p), "(not compensated) 2559 samples (53.31 ms)");
-
-    // Mode 1 compensates only the minimum-phase path's delay, which 96 kHz does not have.
-    p.setLatencyMode(1);
-    p.setParameter(kLinPhase, stepCentre(0, 2));
-    p.setSampleRate(44100.0f);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 63);
-    EXPECT_EQ(latencyText(p).rfind("(compensated) 63 samples", 0), 0u) << latencyText(p);
-    p.setSampleRate(96000.0f);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 0);
-}
-
-TEST(LatencyReporting, AModeChangeReachesTheHostAtTheNextRateOrBlockSize) {
-    PluginHarness h;
-    Plugin& p = *h.plugin;
     p.setLatencyMode(0);
-    EXPECT_EQ(latencyText(p).rfind("(not compensated)", 0), 0u) << latencyText(p);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 24638);
-    p.setBlockSize(256);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 0);
-    p.setLatencyMode(2);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 0);
-    p.setSampleRate(44100.0f);  // the same rate: still reported again
-    EXPECT_EQ(p.getAeffect()->initialDelay, 24638);
-    p.setSampleRate(96000.0f);
-    EXPECT_EQ(p.getAeffect()->initialDelay, 49276);
+    p.setParameter(kLinPhase, stepCentre(1, 2));
+    p.setSampleRate(48000.0f);
+    p.getLatencyInfo(reported, path, padding);
+    EXPECT_EQ((std::vector<int>{reported, path, padding}), (std::vector<int>{2559, 2559, 0}));
 }
