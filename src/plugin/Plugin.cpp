@@ -249,44 +249,10 @@ void Plugin::getLatencyText(char* text) const {
     if (text) latency::describe(latencyMode, latencySettings(), text, kLatencyTextSize);
 }
 
-bool Plugin::canParameterBeAutomated(VstInt32 index) {
-    return index == kPower || (index >= kOutput && index < kPlotRange);
-}
+bool Plugin::canParameterBeAutomated(VstInt32 index) { return automatable(index); }
 
 bool Plugin::getParameterProperties(VstInt32 index, VstParameterProperties* p) {
-    auto integerSteps = [p](int maxInteger) {
-        p->flags = kVstParameterUsesIntStep;
-        p->minInteger = 0;
-        p->maxInteger = maxInteger;
-        p->stepInteger = 1;
-        p->largeStepInteger = 1;
-    };
-    switch (index) {
-        case kPower: case kFat: case kLrMs: case kLinPhase: case kAutoZoom:
-            integerSteps(1);
-            break;
-        case kResolution: case kChannel:
-            integerSteps(2);
-            break;
-        case kSpan: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold: case kSpanWidth:
-        case kSpanFilter:
-            integerSteps(15);
-            break;
-        case kOutput:
-            p->flags = kVstParameterUsesFloatStep;
-            p->stepFloat = 1.0f / 24.0f;
-            p->smallStepFloat = 1.0f / 240.0f;
-            break;
-        default:
-            if (index >= kType && index < kFreq) {
-                integerSteps(13);
-            } else {
-                p->flags = kVstParameterUsesFloatStep;
-                p->stepFloat = 0.01f;
-                p->smallStepFloat = 0.0001f;
-            }
-            break;
-    }
+    describeSteps(index, *p);
     return true;
 }
 
