@@ -141,7 +141,7 @@ private:
     ParameterState parameters;
     SideLink link;
     BandAudition audition;
-    // The names the engine control reads its settings by.
+    // Read-only views of the objects above, under the names the engine control reads them by.
     const ParameterState::Steps& steps = parameters.steps();
     const RelaxedAtomic<int>& auditionBand = audition.band();
     const SideLink::Weights& analyzerWeights = link.analyzerWeights();
