@@ -30,7 +30,7 @@ protected:
     }
 };
 
-TEST_F(BandDesign, ParametersAndSoloReachCurvesAndTheActiveMask) {
+TEST_F(BandDesign, ParametersAndSoloReachTheCurves) {
     peakAt1k();
     EXPECT_NEAR(p.getTotalCurves(0)[gridPoint(1000)], 24.0f, 0.2f);
     EXPECT_NEAR(p.getTotalCurves(1)[gridPoint(1000)], 24.0f, 0.2f);
