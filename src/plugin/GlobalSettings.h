@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/UserStore.h"
+#include "presets/Parameters.h"
 
 namespace globals {
 
@@ -17,10 +18,16 @@ struct Row {
 
 // In the order they are read, written and applied.
 constexpr Row kRows[] = {
-    {"latencycomp", -1, 0.0f},     {"autozoom", 80, 0.25f},        {"spantype", 73, 1.0f / 32},
-    {"spancolor", 74, 5.0f / 32},  {"spanspeed", 75, 1.0f / 32},   {"spanmode", 76, 3.0f / 32},
-    {"spanhold", 77, 1.0f / 32},   {"spanweight", 78, 1.0f / 32},  {"spanwidth", 82, 1.0f / 32},
-    {"spanorder", 83, 3.0f / 32},
+    {"latencycomp", -1, 0.0f},
+    {"autozoom", params::kAutoZoom, 0.25f},
+    {"spantype", params::kSpanType, 1.0f / 32},
+    {"spancolor", params::kSpanColor, 5.0f / 32},
+    {"spanspeed", params::kSpanSpeed, 1.0f / 32},
+    {"spanmode", params::kSpanMode, 3.0f / 32},
+    {"spanhold", params::kSpanHold, 1.0f / 32},
+    {"spanweight", params::kSpanResp, 1.0f / 32},
+    {"spanwidth", params::kSpanWidth, 1.0f / 32},
+    {"spanorder", params::kSpanFilter, 3.0f / 32},
 };
 constexpr int kRowCount = sizeof kRows / sizeof kRows[0];
 constexpr int kDefaultLatencyMode = 2;

@@ -74,4 +74,42 @@ void parameterName(int index, char* text) {
     }
 }
 
+bool automatable(int index) { return index == kPower || (index >= kOutput && index < kPlotRange); }
+
+void describeSteps(int index, VstParameterProperties& p) {
+    auto integerSteps = [&p](int maxInteger) {
+        p.flags = kVstParameterUsesIntStep;
+        p.minInteger = 0;
+        p.maxInteger = maxInteger;
+        p.stepInteger = 1;
+        p.largeStepInteger = 1;
+    };
+    switch (index) {
+        case kPower: case kFat: case kLrMs: case kLinPhase: case kAutoZoom:
+            integerSteps(1);
+            break;
+        case kResolution: case kChannel:
+            integerSteps(2);
+            break;
+        case kSpan: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold: case kSpanWidth:
+        case kSpanFilter:
+            integerSteps(15);
+            break;
+        case kOutput:
+            p.flags = kVstParameterUsesFloatStep;
+            p.stepFloat = 1.0f / 24.0f;
+            p.smallStepFloat = 1.0f / 240.0f;
+            break;
+        default:
+            if (index >= kType && index < kFreq) {
+                integerSteps(kBandTypeSteps - 1);
+            } else {
+                p.flags = kVstParameterUsesFloatStep;
+                p.stepFloat = 0.01f;
+                p.smallStepFloat = 0.0001f;
+            }
+            break;
+    }
+}
+
 }  // namespace params

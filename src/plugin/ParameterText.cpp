@@ -76,9 +76,7 @@ void Plugin::getParameterDisplay(VstInt32 index, char* text) {
     if (magic == kPreviewMagic) {
         float v;
         std::memcpy(&v, text + 4, sizeof v);
-        v = v < 0.0f ? 0.0f : (v > 1.0f ? 1.0f : v);  // NaN stays NaN and is caught below
-        if (v != v) v = 0.0f;
-        if (previewText(index, v, text)) return;
+        if (previewText(index, admitted(v).value_or(0.0f), text)) return;
     }
     currentText(index, text);
 }
@@ -89,10 +87,10 @@ bool Plugin::previewText(int index, float v, char* text) {
     int b, side, field;
     if (bandParameter(index, b, side, field)) {
         switch (field) {
-            case 0: bandTypeText(text, quantize(v, kBandTypeSteps)); break;
-            case 1: std::snprintf(text, kTextLimit, "%.0f", 20.0f * std::pow(10.0f, 3.0f * v)); break;
-            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(bandModel.band(side, b).bandType, v)); break;
-            case 3: std::snprintf(text, kTextLimit, "%.1f", (static_cast<double>(v) - 0.5) * 48.0); break;
+            case kTypeField: bandTypeText(text, quantize(v, kBandTypeSteps)); break;
+            case kFreqField: std::snprintf(text, kTextLimit, "%.0f", bandFrequencyHz(v)); break;
+            case kQField: std::snprintf(text, kTextLimit, "%.1f", qValue(bandModel.band(side, b).bandType, v)); break;
+            case kGainField: std::snprintf(text, kTextLimit, "%.1f", 2.0 * bandDesignGainDb(v)); break;
         }
         return true;
     }
@@ -100,7 +98,7 @@ bool Plugin::previewText(int index, float v, char* text) {
         case kPower: case kFat: case kLinPhase: case kAutoZoom: put(text, kOnOff[quantize(v, 2)]); return true;
         case kLrMs: put(text, kLrMsTexts[quantize(v, 2)]); return true;
         case kResolution: put(text, kResolutionTexts[quantize(v, 3)]); return true;
-        case kOutput: float2string((v - 0.5f) * 24.0f, text, kFloat2StringLimit); return true;
+        case kOutput: float2string(outputGainDb(v), text, kFloat2StringLimit); return true;
         case kPlotRange: float2string(plotRangeDb(v), text, kFloat2StringLimit); return true;
         case kChannel: put(text, kChannelTexts[quantize(v, 3)]); return true;
         case kSpanType: put(text, quantize(v, 16) == 0 ? "1/3 OCT" : "n/a"); return true;
@@ -120,10 +118,10 @@ void Plugin::currentText(int index, char* text) {
     if (bandParameter(index, b, side, field)) {
         const dsp::BandSettings& band = bandModel.band(side, b);
         switch (field) {
-            case 0: bandTypeText(text, steps[index]); break;
-            case 1: std::snprintf(text, kTextLimit, "%.0f", band.frequency); break;
-            case 2: std::snprintf(text, kTextLimit, "%.1f", qValue(band.bandType, band.q)); break;
-            case 3: std::snprintf(text, kTextLimit, "%.0f", (static_cast<double>(values[index]) - 0.5) * 48.0); break;
+            case kTypeField: bandTypeText(text, steps[index]); break;
+            case kFreqField: std::snprintf(text, kTextLimit, "%.0f", band.frequency); break;
+            case kQField: std::snprintf(text, kTextLimit, "%.1f", qValue(band.bandType, band.q)); break;
+            case kGainField: std::snprintf(text, kTextLimit, "%.0f", 2.0 * bandDesignGainDb(parameters.value(index))); break;
         }
         return;
     }
@@ -132,9 +130,9 @@ void Plugin::currentText(int index, char* text) {
         case kPower: case kFat: case kLinPhase: case kAutoZoom: pick(text, kOnOff, k, nullptr); break;
         case kLrMs: pick(text, kLrMsTexts, k, nullptr); break;
         case kResolution: pick(text, kResolutionTexts, k, nullptr); break;
-        case kOutput: float2string((values[kOutput] - 0.5f) * 24.0f, text, kFloat2StringLimit); break;
-        case kPlotRange: float2string(plotRangeDb(values[kPlotRange]), text, kFloat2StringLimit); break;
-        case kChannel: pick(text, kChannelTexts, channel - 1, "unknown"); break;
+        case kOutput: float2string(outputGainDb(parameters.value(kOutput)), text, kFloat2StringLimit); break;
+        case kPlotRange: float2string(plotRangeDb(parameters.value(kPlotRange)), text, kFloat2StringLimit); break;
+        case kChannel: pick(text, kChannelTexts, link.channel() - 1, "unknown"); break;
         case kSpanType: put(text, k == 0 ? "1/3 OCT" : "n/a"); break;
         case kSpanColor: pick(text, kSpanColorTexts, k, "undef"); break;
         case kSpanSpeed: pick(text, kSpanSpeedTexts, k, "undef"); break;
@@ -142,7 +140,7 @@ void Plugin::currentText(int index, char* text) {
         case kSpanHold: pick(text, kSpanHoldTexts, k, "undef"); break;
         case kSpanResp: pick(text, kSpanRespTexts, k, "undef"); break;
         case kSolo: put(text, "---"); break;
-        case kSpanDrive: std::snprintf(text, kTextLimit, "%+.1fdB", spanDriveDb(values[kSpanDrive])); break;
+        case kSpanDrive: std::snprintf(text, kTextLimit, "%+.1fdB", spanDriveDb(parameters.value(kSpanDrive))); break;
         case kSpanWidth: pick(text, kSpanWidthTexts, k, "undef"); break;
         case kSpanFilter: pick(text, kSpanFilterTexts, k, "undef"); break;
         case kListen: pick(text, kListenTexts, k, "undef"); break;

@@ -7,6 +7,7 @@
 
 #include "dsp/DesignRate.h"
 #include "gui/Editor.h"
+#include "plugin/AnalyzerSettings.h"
 #include "plugin/GlobalSettings.h"
 #include "plugin/ParameterTable.h"
 
@@ -38,8 +39,6 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     partition = 2 * kMinFrameSize;
     engine.setHostRate(rate);
     applyFrameToEngine();
-    auditionSelector = kChannelLink;
-    auditionBand = -1;
 
     analyzer.reset(new (std::nothrow) SPAN());
     if (analyzer) {
@@ -47,18 +46,10 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
         analyzer->reset();
     }
 
-    for (int i = 0; i < kUsedParameters; ++i) {
-        values[i] = startValue(i);
-        if (const int n = stepCount(i)) steps[i] = quantize(values[i], n);
-    }
-    for (int side = 0; side < 2; ++side)
-        for (int b = 0; b < kBands; ++b) steps[bandIndex(0, side, b)] = kFirstBypassType;
     refreshActiveBands();
     designRateHz = dsp::designRate(intRate, false, true);
     redesignAllBands();
-    channel = steps[kChannel] + 1;
-    gainTarget = std::pow(10.0, (values[kOutput] - 0.5) * 24.0 / 20.0);
-    engine.setOutputGainTarget(gainTarget);
+    engine.setOutputGainTarget(outputGainFactor(parameters.value(kOutput)));
     suspend();
 
     loadGlobalSettings();
@@ -258,44 +249,10 @@ void Plugin::getLatencyText(char* text) const {
     if (text) latency::describe(latencyMode, latencySettings(), text, kLatencyTextSize);
 }
 
-bool Plugin::canParameterBeAutomated(VstInt32 index) {
-    return index == kPower || (index >= kOutput && index < kPlotRange);
-}
+bool Plugin::canParameterBeAutomated(VstInt32 index) { return automatable(index); }
 
 bool Plugin::getParameterProperties(VstInt32 index, VstParameterProperties* p) {
-    auto integerSteps = [p](int maxInteger) {
-        p->flags = kVstParameterUsesIntStep;
-        p->minInteger = 0;
-        p->maxInteger = maxInteger;
-        p->stepInteger = 1;
-        p->largeStepInteger = 1;
-    };
-    switch (index) {
-        case kPower: case kFat: case kLrMs: case kLinPhase: case kAutoZoom:
-            integerSteps(1);
-            break;
-        case kResolution: case kChannel:
-            integerSteps(2);
-            break;
-        case kSpan: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold: case kSpanWidth:
-        case kSpanFilter:
-            integerSteps(15);
-            break;
-        case kOutput:
-            p->flags = kVstParameterUsesFloatStep;
-            p->stepFloat = 1.0f / 24.0f;
-            p->smallStepFloat = 1.0f / 240.0f;
-            break;
-        default:
-            if (index >= kType && index < kFreq) {
-                integerSteps(13);
-            } else {
-                p->flags = kVstParameterUsesFloatStep;
-                p->stepFloat = 0.01f;
-                p->smallStepFloat = 0.0001f;
-            }
-            break;
-    }
+    describeSteps(index, *p);
     return true;
 }
 
@@ -331,14 +288,18 @@ VstInt32 Plugin::canDo(char* text) { return std::strcmp(text, "receiveVstMidiEve
 // Parameters
 
 float Plugin::getParameter(VstInt32 index) {
-    if (index >= 0 && index < kUsedParameters) return values[index];
+    if (index >= 0 && index < kUsedParameters) return parameters.value(index);
     return CPresetSystemEffect::getParameter(index);
 }
 
-void Plugin::setParameter(VstInt32 index, float value) {
-    if (index < 0) return;
+// A value that is not a number changes nothing and reaches no one; one outside 0..1 is held
+// to it before anything is stored or derived.
+void Plugin::setParameter(VstInt32 index, float received) {
+    const auto admittedValue = admitted(received);
+    if (index < 0 || !admittedValue) return;
+    const float value = *admittedValue;
     if (index < kUsedParameters) {
-        values[index] = value;
+        parameters.setValue(index, value);
         int band, side, field;
         if (bandParameter(index, band, side, field)) {
             // Under the design lock: a rate change on another thread redesigns every band
@@ -346,94 +307,77 @@ void Plugin::setParameter(VstInt32 index, float value) {
             platform::TimedLock::Guard design(designLock);
             if (applyBandParameter(index, value)) updateBand(band);
         } else {
-            const int previous = steps[index];
-            if (const int n = stepCount(index)) steps[index] = quantize(value, n);
-            switch (index) {
-                case kFat:
-                    reconfigureFrame();
-                    redesignAllBands();
-                    break;
-                case kLinPhase: redesignAllBands(); break;
-                case kSolo:
-                    bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
-                    redesignAllBands();
-                    break;
-                case kLrMs: auditionSelector = kChannelLeft; break;
-                case kResolution:
-                    if (steps[kResolution] != previous) {
-                        reconfigureFrame();
-                        redesignAllBands();
-                    }
-                    break;
-                case kOutput:
-                    gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0);
-                    engine.setOutputGainTarget(gainTarget);
-                    break;
-                case kChannel: applyChannel(); break;
-                case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
-                case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
-                    // Analyzer and zoom settings belong to the user, not to a preset.
-                    writeIntoEveryPreset(index, value);
-                    applyAnalyzerSetting(index);
-                    break;
-                default: break;
-            }
+            applySetting(index, value);
         }
     }
     if (!isLoading) CPresetSystemEffect::setParameter(index, value);
     if (pluginEditor) pluginEditor->setParameter(index, value);
 }
 
-void Plugin::storeBandValue(int side, int b, BandField field, float value) {
-    switch (field) {
-        case kTypeField: {
-            const int k = quantize(value, kBandTypeSteps);
-            steps[bandIndex(kTypeField, side, b)] = k;
-            bandModel.setBandType(side, b, k);
-            refreshActiveBands();
+// What a parameter other than a band's changes beyond its own value and step.
+void Plugin::applySetting(int index, float value) {
+    const int previous = steps[index];
+    parameters.setStepFrom(index, value);
+    switch (index) {
+        case kFat:
+            reconfigureFrame();
+            redesignAllBands();
             break;
-        }
-        case kFreqField: bandModel.setFrequency(side, b, 20.0 * std::pow(10.0, 3.0 * static_cast<double>(value))); break;
-        case kQField: bandModel.setQ(side, b, value); break;
-        case kGainField: bandModel.setGain(side, b, (static_cast<double>(value) - 0.5) * 24.0); break;
+        case kLinPhase: redesignAllBands(); break;
+        case kSolo:
+            bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
+            redesignAllBands();
+            break;
+        case kLrMs: link.midSideChanged(); break;
+        case kResolution:
+            if (steps[kResolution] != previous) {
+                reconfigureFrame();
+                redesignAllBands();
+            }
+            break;
+        case kOutput: engine.setOutputGainTarget(outputGainFactor(value)); break;
+        case kChannel: link.setChannel(steps[kChannel], steps[kLrMs] == 1); break;
+        case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
+        case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
+            // Analyzer and zoom settings belong to the user, not to a preset.
+            writeIntoEveryPreset(index, value);
+            if (analyzer) applyAnalyzerSetting(*analyzer, index, steps[index]);
+            break;
+        default: break;
     }
 }
 
 // With Channel at LINK (and outside a preset load) the left/mid parameter drives both sides and
-// the right/side parameter only records its value; otherwise each side is its own.
+// the right/side parameter only records its value; otherwise each side is its own. False when
+// nothing is to be redesigned.
 bool Plugin::applyBandParameter(int index, float value) {
     int b, side, field;
     bandParameter(index, b, side, field);
-    const bool linked = channel == kChannelLink && !isLoading;
+    const bool linked = link.linked(static_cast<bool>(isLoading));
     if (side == 1 && linked) return false;
-    storeBandValue(side, b, static_cast<BandField>(field), value);
+    storeBandValue(side, b, field, value);
     if (side == 0 && linked) {
-        const int rightIndex = index + 8;
-        values[rightIndex] = value;
-        storeBandValue(1, b, static_cast<BandField>(field), value);
+        const int rightIndex = bandIndex(field, 1, b);
+        parameters.setValue(rightIndex, value);
+        storeBandValue(1, b, field, value);
         CPresetSystemEffect::setParameter(rightIndex, value);
     }
     return true;
 }
 
-void Plugin::applyChannel() {
-    channel = steps[kChannel] + 1;
-    auditionSelector = channel;
-    const bool midSide = steps[kLrMs] == 1;
-    switch (channel) {
-        case kChannelLeft:
-            analyzerWeights[0] = midSide ? 2.0 : 1.0;
-            analyzerWeights[1] = 0.0;
+// A band parameter's natural value into the band model.
+void Plugin::storeBandValue(int side, int b, int field, float value) {
+    switch (field) {
+        case kTypeField: {
+            const int index = bandIndex(kTypeField, side, b);
+            parameters.setStepFrom(index, value);
+            bandModel.setBandType(side, b, steps[index]);
+            refreshActiveBands();
             break;
-        case kChannelRight:
-            analyzerWeights[0] = 0.0;
-            analyzerWeights[1] = midSide ? 2.0 : 1.0;
-            break;
-        case kChannelLink:
-            analyzerWeights[0] = midSide ? 2.0 : 0.5;
-            analyzerWeights[1] = midSide ? 0.0 : 0.5;
-            break;
-        default: break;  // a step without meaning keeps the weights it had
+        }
+        case kFreqField: bandModel.setFrequency(side, b, bandFrequencyHz<double>(value)); break;
+        case kQField: bandModel.setQ(side, b, value); break;
+        case kGainField: bandModel.setGain(side, b, bandDesignGainDb(value)); break;
     }
 }
 
@@ -446,29 +390,28 @@ void Plugin::setBandFrequency(int band, float value) { setBandFromEditor(band, k
 void Plugin::setBandGain(int band, float value) { setBandFromEditor(band, kGainField, value); }
 void Plugin::setBandQ(int band, float value) { setBandFromEditor(band, kQField, value); }
 
-void Plugin::setBandFromEditor(int b, BandField field, float value) {
-    if (b < 0 || b >= kBands) return;
+void Plugin::setBandFromEditor(int b, int field, float received) {
+    const auto admittedValue = admitted(received);
+    if (b < 0 || b >= kBands || !admittedValue) return;
+    const float value = *admittedValue;
     const bool mono = inputChannels == 1;
-    const bool left = channel == kChannelLeft || channel == kChannelLink || mono;
-    const bool right = (channel == kChannelRight || channel == kChannelLink) && !mono;
-    const int sideIndex[2] = {bandIndex(field, 0, b), bandIndex(field, 1, b)};
-    const bool write[2] = {left, right};
     {
         platform::TimedLock::Guard design(designLock);
         for (int side = 0; side < 2; ++side) {
-            if (!write[side]) continue;
-            values[sideIndex[side]] = value;
+            if (!link.edits(side, mono)) continue;
+            const int index = bandIndex(field, side, b);
+            parameters.setValue(index, value);
             if (field == kFreqField)
-                bandModel.setFrequency(side, b, 20.0f * std::pow(10.0f, 3.0f * value));  // as the editor shows it
+                bandModel.setFrequency(side, b, bandFrequencyHz(value));  // in single precision, as the editor shows it
             else
                 storeBandValue(side, b, field, value);
-            CPresetSystemEffect::setParameter(sideIndex[side], value);
+            CPresetSystemEffect::setParameter(index, value);
         }
         updateBand(b);
     }
     // The host hears of it outside our locks.
     for (int side = 0; side < 2; ++side)
-        if (write[side]) callHost(audioMasterAutomate, sideIndex[side], 0, nullptr, value);
+        if (link.edits(side, mono)) callHost(audioMasterAutomate, bandIndex(field, side, b), 0, nullptr, value);
 }
 
 void Plugin::selectPreset(int index) {
@@ -489,7 +432,7 @@ void Plugin::loadGlobalSettings() {
     latencyMode = stored ? stored->latencyMode : globals::kDefaultLatencyMode;
     for (int row = 1; row < globals::kRowCount; ++row) {
         const int index = globals::kRows[row].parameter;
-        setParameter(index, stored ? stored->parameters[row] : values[index]);
+        setParameter(index, stored ? stored->parameters[row] : parameters.value(index));
     }
     restoreStartupState();
 }
@@ -497,23 +440,8 @@ void Plugin::loadGlobalSettings() {
 bool Plugin::saveGlobalSettings() {
     globals::Values v;
     v.latencyMode = latencyMode;
-    for (int row = 1; row < globals::kRowCount; ++row) v.parameters[row] = values[globals::kRows[row].parameter];
+    for (int row = 1; row < globals::kRowCount; ++row) v.parameters[row] = parameters.value(globals::kRows[row].parameter);
     return globals::save(platform::UserStore::forCurrentUser(), v);
-}
-
-void Plugin::applyAnalyzerSetting(int index) {
-    if (!analyzer) return;
-    const int k = steps[index];
-    switch (index) {
-        case kSpan:
-            if (k == 1) analyzer->reset();
-            break;
-        case kSpanSpeed: analyzer->setSpeed(k); break;
-        case kSpanMode: analyzer->setMode(k); break;
-        case kSpanResp: analyzer->setWeighting(k); break;
-        case kSpanFilter: analyzer->setFilterOrder(k == 0 ? 2 : 6); break;
-        default: break;  // hold, width, type, colour and drive are the plot's business
-    }
 }
 
 void Plugin::getAnalyzerBars(float* out) {
@@ -528,7 +456,7 @@ bool Plugin::analyzerFeedActive() const {
 void Plugin::setAuditionBand(int band) {
     platform::TimedLock::Guard design(designLock);
     if (!design) return;
-    auditionBand = band >= 0 && band < kBands ? band : -1;
+    audition.setBand(band);
     publishAudition();
     bandModel.computeBandCurves();
 }
@@ -536,28 +464,23 @@ void Plugin::setAuditionBand(int band) {
 void Plugin::setAuditionWidth(float width) {
     platform::TimedLock::Guard design(designLock);
     if (!design) return;
-    auditionWidth = std::clamp(width, 0.0f, 1.0f);
+    audition.setWidth(width);
     publishAudition();
 }
 
 void Plugin::setAuditionLevel(float level) {
     platform::TimedLock::Guard design(designLock);
     if (!design) return;
-    auditionLevel = std::clamp(level, 0.0f, 1.0f);
+    audition.setLevel(level);
     publishAudition();
 }
 
 // The section heard follows the band's frequency on the side the audition channel selects, at
 // the host rate. The caller holds the design lock, which keeps the hand-over to one writer.
 void Plugin::publishAudition() {
-    const int b = auditionBand;
-    if (b < 0) {
-        engine.audition().publish(dsp::AuditionSection::off());
-        return;
-    }
-    const int side = auditionSelector == kChannelRight ? 1 : 0;
-    engine.audition().publish(
-        dsp::AuditionSection::design(bandModel.band(side, b).frequency, auditionWidth, auditionLevel, intRate));
+    const int b = audition.band();
+    engine.audition().publish(b < 0 ? dsp::AuditionSection::off()
+                                    : audition.section(bandModel.band(link.auditionSide(), b).frequency, intRate));
 }
 
 void Plugin::getOutputPeaks(float& a, float& b) const {
@@ -571,6 +494,6 @@ void Plugin::resetOutputPeaks() { engine.peaks().clear(); }
 void Plugin::refreshActiveBands() {
     int types[dsp::kBandSlots];
     for (int side = 0; side < dsp::kSides; ++side)
-        for (int b = 0; b < kBands; ++b) types[side * kBands + b] = steps[bandIndex(kTypeField, side, b)];
+        for (int b = 0; b < kBands; ++b) types[dsp::bandSlot(side, b)] = steps[bandIndex(kTypeField, side, b)];
     activeBands.store(dsp::MinimumPhaseCascade::activeSlots(types), std::memory_order_relaxed);
 }

@@ -14,8 +14,11 @@
 #include "dsp/KernelDesigner.h"
 #include "platform/TimedLock.h"
 #include "plugin/EngineKernelOps.h"
+#include "plugin/BandAudition.h"
 #include "plugin/Latency.h"
+#include "plugin/ParameterState.h"
 #include "plugin/RelaxedAtomic.h"
+#include "plugin/SideLink.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/Parameters.h"
 
@@ -69,10 +72,6 @@ public:
 
     // The analyzer's 31 band levels in dB, highest band first; nothing without an analyzer.
     void getAnalyzerBars(float* out);
-    // Whether the audio path feeds the analyzer: it exists and is on, and an editor window is
-    // open to show it. During a band audition the path feeds the auditioned signal instead.
-    bool analyzerFeedActive() const;
-    SPAN* getAnalyzer() const { return analyzer.get(); }
 
     // The user's global settings: read once at construction, written when the editor asks.
     void loadGlobalSettings();
@@ -95,7 +94,6 @@ public:
     void setAuditionBand(int band);
     void setAuditionWidth(float width);
     void setAuditionLevel(float level);
-    int auditionedBand() const { return auditionBand; }
 
     void getOutputPeaks(float& a, float& b) const;
     void resetOutputPeaks();
@@ -104,38 +102,23 @@ public:
     const dsp::Curve& getTotalCurves(int side) const { return bandModel.totalCurve(side); }
     const dsp::Curve& getBandCurves(int side, int b) const { return bandModel.bandCurve(side, b); }
 
-    // Derived state, read by the engine, the texts and the tests.
-    const dsp::BandSettings& band(int side, int b) const { return bandModel.band(side, b); }
-    const dsp::BandModel& bands() const { return bandModel; }
+    // The engine's frame as the current rate, block size, FAT and Resolution set it.
     double designRate() const { return designRateHz; }
     const dsp::KernelDesigner& kernelDesigner() const { return kernels; }
-    int step(int index) const { return steps[index]; }
-    int channelMode() const { return channel; }
-    unsigned soloMask() const { return static_cast<unsigned>(steps[params::kSolo]); }
-    double outputGainTarget() const { return gainTarget; }
-    void analyzerInputWeights(double& a, double& b) const {
-        a = analyzerWeights[0];
-        b = analyzerWeights[1];
-    }
-    int auditionChannel() const { return auditionSelector; }
     int fftLength() const { return frameSize; }
     int partitionLength() const { return partition; }
     int integerSampleRate() const { return intRate; }
-    int inputChannelCount() const { return inputChannels; }
-    // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
-    uint32_t activeBandMask() const { return activeBands.load(std::memory_order_relaxed); }
-    const dsp::AudioEngine& audioEngine() const { return engine; }
     Editor* getPluginEditor() const { return pluginEditor; }
 
 private:
-    enum BandField { kTypeField, kFreqField, kQField, kGainField };
-
-    bool applyBandParameter(int index, float value);  // false when nothing is to be redesigned
-    void storeBandValue(int side, int b, BandField field, float value);
-    void setBandFromEditor(int band, BandField field, float value);
-    void applyChannel();
+    // Whether the audio path feeds the analyzer: it exists and is on, and an editor window is
+    // open to show it. During a band audition the path feeds the auditioned signal instead.
+    bool analyzerFeedActive() const;
+    void applySetting(int index, float value);
+    bool applyBandParameter(int index, float value);
+    void storeBandValue(int side, int b, int field, float value);
+    void setBandFromEditor(int band, int field, float value);
     void writeIntoEveryPreset(int index, float value);
-    void applyAnalyzerSetting(int index);
     void reconfigureFrame();
     void updateBand(int b);
     void redesignAllBands();
@@ -155,24 +138,23 @@ private:
     platform::TimedLock designLock;
     platform::TimedLock processLock;
 
-    // Fields that the audio thread reads at the start of every block are relaxed atomics:
-    // parameter, rate and block-size changes arrive on other threads.
-    float values[params::kUsedParameters] = {};
-    RelaxedAtomic<int> steps[params::kUsedParameters] = {};
+    ParameterState parameters;
+    SideLink link;
+    BandAudition audition;
+    // Read-only views of the objects above, under the names the engine control reads them by.
+    const ParameterState::Steps& steps = parameters.steps();
+    const RelaxedAtomic<int>& auditionBand = audition.band();
+    const SideLink::Weights& analyzerWeights = link.analyzerWeights();
+
     dsp::BandModel bandModel;
     dsp::KernelDesigner kernels;
     EngineKernelOps kernelOps{kernels, engineLock};
     dsp::AudioEngine engine;
     std::unique_ptr<SPAN> analyzer;
     double designRateHz = 44100.0;
-    int channel = params::kChannelLink;
-    double gainTarget = 1.0;
-    RelaxedAtomic<double> analyzerWeights[2] = {0.5, 0.5};
-    RelaxedAtomic<int> auditionSelector = params::kChannelLink;
-    RelaxedAtomic<int> auditionBand = -1;
-    float auditionWidth = 0.5f;
-    float auditionLevel = 0.5f;
 
+    // Fields that the audio thread reads at the start of every block are relaxed atomics:
+    // rate and block-size changes arrive on other threads.
     RelaxedAtomic<int> intRate = 44100;
     double rate = 44100.0;
     RelaxedAtomic<int> frameSize = 4096;
@@ -182,6 +164,7 @@ private:
     // Set by resume(), read by the audio thread.
     std::atomic<bool> secondInputConnected{true};
     std::atomic<bool> secondOutputConnected{true};
+    // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
     std::atomic<uint32_t> activeBands{0};
 
     RelaxedAtomic<int> latencyMode = 2;

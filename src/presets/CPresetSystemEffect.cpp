@@ -8,6 +8,7 @@
 #include "presets/FactoryPresets.h"
 #include "presets/ImageBuilder.h"
 #include "presets/ImageLoader.h"
+#include "presets/Parameters.h"
 #include "presets/RecordImage.h"
 
 using presets::kNameField;
@@ -26,10 +27,9 @@ CPresetSystemEffect::CPresetSystemEffect(audioMasterCallback audioMaster)
     loadFactoryPresets();
     if (presets) {
         presetTemplate = presets[0];
-        isLoading = 1;
+        presets::LoadingFlag::Scope loading(isLoading);
         for (int slot = 0; slot < kPresetSlots; ++slot)
             CPresetSystemEffect::setParameter(slot, presets[0].values[slot]);
-        isLoading = 0;
     }
 }
 
@@ -42,9 +42,14 @@ const PresetRecord* CPresetSystemEffect::getPreset(int index) const {
     return &presets[index];
 }
 
+VstIntPtr CPresetSystemEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+    if (opcode == effSetChunk && !ptr) return -1;
+    return AudioEffectX::dispatcher(opcode, index, value, ptr, opt);
+}
+
 void CPresetSystemEffect::setParameter(VstInt32 index, float value) {
     if (!presets || index < 0 || index >= kPresetSlots) return;
-    presets[currentPreset].values[index] = value;
+    if (const auto v = params::admitted(value)) presets[currentPreset].values[index] = *v;
 }
 
 float CPresetSystemEffect::getParameter(VstInt32 index) {
@@ -79,14 +84,13 @@ bool CPresetSystemEffect::getProgramNameIndexed(VstInt32 /*category*/, VstInt32 
 void CPresetSystemEffect::selectPreset(int index) {
     if (!presets) return;
     if (index < 0 || index >= kPresetCount) index = 0;
-    isLoading = 1;
+    presets::LoadingFlag::Scope loading(isLoading);
     curProgram = 0;
     currentPreset = index;
     for (int slot = 0; slot < kPresetSlots; ++slot) setParameter(slot, presets[index].values[slot]);
     updateDisplay();
     beginEdit(0);
     endEdit(0);
-    isLoading = 0;
 }
 
 void CPresetSystemEffect::setPresetName(const char* name) {

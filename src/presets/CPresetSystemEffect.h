@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "presets/LoadingFlag.h"
 #include "presets/PresetRecord.h"
 #include "vst/AudioEffectX.h"
 
@@ -20,6 +21,8 @@ public:
     ~CPresetSystemEffect() override;
 
     // Host-facing operations.
+    // A chunk call without data is refused with -1 (the base would answer 0 for any missing buffer).
+    VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     void setParameter(VstInt32 index, float value) override;
     float getParameter(VstInt32 index) override;
     VstInt32 getProgram() override { return 0; }
@@ -33,8 +36,7 @@ public:
     // next getChunk. 0 when no chunk could be built.
     VstInt32 getChunk(void** data, bool isPreset = false) override;
     // Takes a chunk of either byte order, current or legacy. -1 for missing data, a foreign
-    // magic, an unknown version or a chunk too short or damaged to read; 0 otherwise. A bank
-    // image holding a value outside 0..1 leaves the bank as it was.
+    // magic, an unknown version or a chunk too short or damaged to read; 0 otherwise.
     VstInt32 setChunk(void* data, VstInt32 byteSize, bool isPreset = false) override;
 
     // Preset-system operations.
@@ -48,7 +50,7 @@ public:
     virtual void restoreStartupState();
     virtual void loadFactoryPresets();
 
-    bool isLoadingPreset() const { return isLoading != 0; }
+    bool isLoadingPreset() const { return static_cast<bool>(isLoading); }
     const presets::PresetRecord* getPreset(int index) const;
     const presets::PresetRecord& getTemplate() const { return presetTemplate; }
     // The bank's kPresetCount records, for the image loaders and builders (null without a bank).
@@ -65,5 +67,5 @@ protected:
     std::unique_ptr<uint8_t[]> chunkBuffer;
     int32_t chunkBufferSize = 0;
     presets::PresetRecord presetTemplate{};
-    uint8_t isLoading = 0;
+    presets::LoadingFlag isLoading;
 };

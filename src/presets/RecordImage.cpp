@@ -81,8 +81,9 @@ void writeNameRecord(uint8_t* out, int32_t presetIndex, const char* name, size_t
     writeRecordHead(out, kRecordName, kNameBodyBytes, presetIndex);
     uint8_t* body = out + kRecordHeadBytes;
     std::memset(body, 0, kNameBodyBytes);
-    // Only the name itself: what follows its NUL in the field is left-over and written as zeros.
-    std::memcpy(body + kNameOffset, name, strnlen(name, nameField < kLegacyNameBytes ? nameField : kLegacyNameBytes));
+    // The whole field as it lies: a shorter name stored over a longer one leaves the longer one's
+    // tail behind its NUL, and those bytes belong to the preset as much as the name does.
+    std::memcpy(body + kNameOffset, name, nameField < kLegacyNameBytes ? nameField : kLegacyNameBytes);
 }
 
 void writeValueRecord(uint8_t* out, int32_t presetIndex, uint32_t slot, float value) {

@@ -2,17 +2,16 @@
 // Drives the built plug-in through its entry point the way a host does.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "host/VstHost.h"
 #include "presets/Parameters.h"
+#include "support/TempStore.h"
 
 namespace enginehost {
 
@@ -21,19 +20,14 @@ inline float stepValue(int k, int n) { return (static_cast<float>(k) + 0.5f) / s
 inline float onOff(bool on) { return stepValue(on ? 1 : 0, 2); }
 
 // The plug-in loaded and opened with a store folder of its own, rate and block size set, and
-// resumed when asked. With mode >= 0 the folder holds the latency mode as a 4-byte little-endian
-// value; otherwise it does not exist, as on a user's first run. Removed with the plug-in.
+// resumed when asked. With mode >= 0 the store holds that latency mode; otherwise it does not
+// exist, as on a user's first run.
 struct Started {
-    std::string store;
+    ScopedStoreFolder folder;
     std::unique_ptr<vsthost::LoadedPlugin> plugin;
 
     Started(float rate, int blockSize, int latencyMode, bool resume = true) {
-        char folder[] = "/tmp/tyx-vireo-XXXXXX";
-        if (!mkdtemp(folder)) return;
-        store = folder;
-        if (latencyMode < 0) rmdir(folder);
-        else std::ofstream(store + "/latencycomp", std::ios::binary) << std::string{char(latencyMode), 0, 0, 0};
-        setenv("TYX_VIREO_CONFIG_DIR", folder, 1);
+        if (latencyMode >= 0) folder.writeDword("latencycomp", static_cast<uint32_t>(latencyMode));
         std::string error;
         plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH, &error);
         EXPECT_TRUE(plugin) << error;
@@ -45,7 +39,6 @@ struct Started {
         plugin->setBlockSize(blockSize);
         if (resume) plugin->resume();
     }
-    ~Started() { plugin.reset(), unlink((store + "/latencycomp").c_str()), rmdir(store.c_str()); }
 };
 
 // Pushes both channels through the plug-in in host blocks of `block` samples (the last one

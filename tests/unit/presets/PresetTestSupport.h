@@ -1,7 +1,7 @@
 #pragma once
 // Preset, bank and chunk images written byte by byte with the offsets spelled out, sharing no code
 // with the plug-in's writer; a preset layer with the plug-in's identity and exclusions but no
-// engine; and a store folder of the test's own.
+// engine.
 
 #include <gtest/gtest.h>
 
@@ -21,6 +21,7 @@
 
 #include "presets/CPresetSystemEditor.h"
 #include "presets/CPresetSystemEffect.h"
+#include "support/TempStore.h"
 
 namespace imagebytes {
 
@@ -106,57 +107,6 @@ inline std::vector<uint8_t> handChunk(bool big, int32_t current, const std::stri
 }
 
 }  // namespace imagebytes
-
-inline std::vector<uint8_t> fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
-}
-
-inline void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
-
-inline std::vector<std::string> folderEntries(const std::string& folder) {
-    std::vector<std::string> names;
-    for (const auto& e : std::filesystem::directory_iterator(folder)) names.push_back(e.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-// Sets (or, for nullptr, clears) an environment variable for the lifetime of the object.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name), old_(std::getenv(name) ? std::getenv(name) : "") {
-        had_ = std::getenv(name) != nullptr;
-        value ? setenv(name, value, 1) : unsetenv(name);
-    }
-    ~ScopedEnv() { had_ ? setenv(name_, old_.c_str(), 1) : unsetenv(name_); }
-
-private:
-    const char* name_;
-    std::string old_;
-    bool had_;
-};
-
-// A fresh folder for files, with the per-user store pointed inside it, for the lifetime of the object.
-class ScopedStoreFolder {
-public:
-    ~ScopedStoreFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    const std::string& scratch() const { return folder_; }
-    std::string store() const { return folder_ + "/store"; }
-
-private:
-    static std::string makeFolder() {
-        char pattern[] = "/tmp/tyx-presets-XXXXXX";
-        return mkdtemp(pattern);
-    }
-    std::string folder_ = makeFolder();
-    ScopedEnv env_{"TYX_VIREO_CONFIG_DIR", store().c_str()};
-};
 
 // Its editor records what the preset strip would be told.
 class PresetTestEditor : public CPresetSystemEditor {

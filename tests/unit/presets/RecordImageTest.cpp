@@ -151,7 +151,6 @@ TEST_F(RecordImages, DamagedForeignOrMisdirectedInputIsRefusedWithNothingStoredL
         {"preset as bank", Bank, good.data},
         {"legacy preset as bank", Bank, Bytes().magic().u8(0x21).text("Legacy").f32(0.5f).data},
         {"negative record count", Bank, Bytes().header(0x38, -1, 0, 0).nameRecord(0, "Never").data},
-        {"legacy preset value", Preset, Bytes().magic().u8(0x21).legacyBlock("Bad", 94, 3, 10, 1.5f).data},
         {"legacy chunk of no presets", Chunk, Bytes().u32(0x01000000).magic().i32(0).i32(0).zeros(16).text("Never").zeros(94 * 4).data},
         {"legacy chunk thinner than its names", Chunk, Bytes().u32(0x01000000).magic().i32(3).i32(0).zeros(16).zeros(3 * 23).data},
         {"legacy chunk shorter than its header", Chunk, Bytes().u32(0x01000000).magic().i32(1).data, 12},
@@ -161,19 +160,7 @@ TEST_F(RecordImages, DamagedForeignOrMisdirectedInputIsRefusedWithNothingStoredL
         {"no whole image header", Chunk, chunk, 8 + 40},
         {"foreign chunk", Chunk, foreignChunk},
         {"version 3", Chunk, version3},
-        {"chunk value out of range", Chunk, handChunk(false, 0, "Bank", 9, 40, 1.5f), -1, 0},  // taken, then undone
     };
-    Bytes legacyBank;
-    legacyBank.magic().u8(0x37);
-    for (int p = 0; p < kPresetCount; ++p) legacyBank.legacyBlock("Bad", 94, p, p == 12 ? 3 : -1, 1.5f);
-    cases.push_back({"legacy bank value", Bank, legacyBank.data});
-    for (bool big : {false, true}) {
-        cases.push_back({"last bank value " + order(big), Bank, handBank(big, 5, "Bank", 20, 84, 1.5f).data});
-        for (float bad : {1.5f, -0.001f, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
-                          std::nextafter(1.0f, 2.0f)})
-            cases.push_back({"value " + std::to_string(bad) + " " + order(big), Preset,
-                             presetImage(big, "Bad", {{0, 0.3f}, {10, bad}, {11, 0.4f}}).data});
-    }
     for (const Refused& c : cases) {
         SCOPED_TRACE(c.what);
         const uint8_t* data = c.bytes.empty() ? nullptr : c.bytes.data();
@@ -183,6 +170,64 @@ TEST_F(RecordImages, DamagedForeignOrMisdirectedInputIsRefusedWithNothingStoredL
         if (c.into == Chunk) { EXPECT_EQ(fx->setChunk(const_cast<uint8_t*>(data), static_cast<VstInt32>(size)), c.taken); }
         expectNothingHappened(before);
     }
+}
+
+// Hosts, old sessions and damaged files carry values no parameter may hold: every loader holds a
+// finite one to 0..1 and leaves the slot as the load found it (the template's value) for the rest.
+TEST_F(RecordImages, HostileValuesAreHeldToTheRangeOrLeftOutByEveryLoader) {
+    const float inf = std::numeric_limits<float>::infinity();
+    const struct {
+        float bad;
+        bool kept;  // true: the slot keeps the template's value; false: it holds `held`
+        float held;
+    } values[] = {{1.5f, false, 1.0f}, {-0.5f, false, 0.0f}, {std::nextafter(1.0f, 2.0f), false, 1.0f},
+                  {std::numeric_limits<float>::quiet_NaN(), true, 0}, {inf, true, 0}, {-inf, true, 0}};
+    enum Loader { PresetRecords, BankRecords, Chunk, LegacyPreset, LegacyBank, LegacyChunk };
+    constexpr int kSlot = 10, kPreset = 3;
+    for (bool big : {false, true})
+        for (const auto& v : values)
+            for (Loader loader : {PresetRecords, BankRecords, Chunk, LegacyPreset, LegacyBank, LegacyChunk}) {
+                SCOPED_TRACE(order(big) + " loader " + std::to_string(loader) + " value " + std::to_string(v.bad));
+                fresh();
+                int target = kPreset;
+                bool loaded = false;
+                switch (loader) {
+                    case PresetRecords: {
+                        const Bytes b = presetImage(big, "Bad", {{0, 0.3f}, {kSlot, v.bad}, {11, 0.4f}});
+                        loaded = fx->ed().loadPresetImage(b.ptr(), b.size());
+                        target = 4;
+                        break;
+                    }
+                    case BankRecords: {
+                        const Bytes b = handBank(big, 5, "Bank", kPreset, kSlot, v.bad);
+                        loaded = fx->ed().loadBankImage(b.ptr(), b.size());
+                        break;
+                    }
+                    case Chunk: {
+                        const auto c = handChunk(big, 5, "Bank", kPreset, kSlot, v.bad);
+                        loaded = setChunk(c, static_cast<VstInt32>(c.size()));
+                        break;
+                    }
+                    case LegacyPreset: {
+                        const Bytes b = Bytes(big).magic().u8(0x21).legacyBlock("Bad", 94, kPreset, kSlot, v.bad);
+                        loaded = fx->ed().loadPresetImage(b.ptr(), b.size());
+                        target = 4;
+                        break;
+                    }
+                    case LegacyBank:
+                    case LegacyChunk: {
+                        Bytes b(big);
+                        if (loader == LegacyBank) b.magic().u8(0x37);
+                        else b.u32(0x01000000).magic().i32(kPresetCount).i32(0).zeros(16);
+                        for (int p = 0; p < kPresetCount; ++p) b.legacyBlock("Bad", 94, p, p == kPreset ? kSlot : -1, v.bad);
+                        loaded = loader == LegacyBank ? fx->ed().loadBankImage(b.ptr(), b.size())
+                                                      : setChunk(b.data, static_cast<VstInt32>(b.size()));
+                        break;
+                    }
+                }
+                ASSERT_TRUE(loaded);
+                EXPECT_EQ(fx->preset(target).values[kSlot], v.kept ? templ(kSlot) : v.held);
+            }
 }
 
 TEST_F(RecordImages, BankImagesAndChunksReplaceEveryPresetInEitherByteOrder) {
@@ -244,15 +289,13 @@ TEST_F(RecordImages, LegacyPresetsBanksAndChunksTakeNamesAndFloatsButNotTheGloba
         expectHandBank("Legacy", kLoadedLegacySlots);
         EXPECT_EQ(fx->selections.back(), 0);
 
-        // A legacy chunk, not range-checked, of more presets than the bank holds: the first 21
-        // load; a current preset outside them gives 0.
+        // A legacy chunk of more presets than the bank holds: the first 21 load; a current
+        // preset outside them gives 0.
         fresh();
         Bytes chunk(big);
         chunk.u32(0x01000000).magic().i32(30).i32(25).zeros(16);
-        for (int p = 0; p < 30; ++p) chunk.legacyBlock("Chunk " + std::to_string(p), 94, p, p == 1 ? 3 : -1, 1.5f);
+        for (int p = 0; p < 30; ++p) chunk.legacyBlock("Chunk " + std::to_string(p), 94, p);
         ASSERT_TRUE(setChunk(chunk.data, static_cast<VstInt32>(chunk.size())));
-        EXPECT_EQ(fx->preset(1).values[3], 1.5f);
-        fx->preset(1).values[3] = handValue(1, 3);
         expectHandBank("Chunk", kLoadedLegacySlots);
         EXPECT_EQ(fx->selections, std::vector<int>{0});
     }

