@@ -1,6 +1,7 @@
 #include "presets/ImageLoader.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstring>
 
@@ -14,10 +15,10 @@ using namespace image;
 
 namespace {
 
-// A value that is not a number leaves the slot as it was; one outside 0..1 is held to it.
-void storeValue(PresetRecord& preset, uint32_t slot, float value) {
-    if (const auto v = params::admitted(value)) preset.values[slot] = *v;
-}
+using BankCopy = std::array<PresetRecord, kPresetCount>;
+
+void copyBank(BankCopy& to, const PresetRecord* bank) { std::copy(bank, bank + kPresetCount, to.begin()); }
+void putBack(PresetRecord* bank, const BankCopy& from) { std::copy(from.begin(), from.end(), bank); }
 
 int presetOrFirst(int32_t index) { return index >= 0 && index < kPresetCount ? index : 0; }
 
@@ -34,12 +35,22 @@ void ImageLoader::storeName(PresetRecord& preset, const uint8_t* nameBytes) {
     storePresetName(preset.name, field);
 }
 
-void ImageLoader::readLegacyValues(PresetRecord& preset, const uint8_t* floats, int count, bool swapped) {
+bool ImageLoader::readLegacyValues(PresetRecord& preset, const uint8_t* floats, int count, bool swapped,
+                                   bool checkRange) {
     const int used = std::min(count, kPresetSlots);
     for (int slot = 0; slot < used; ++slot) {
         if (effect_.isExcludedFromLoad(slot)) continue;
-        storeValue(preset, slot, readFloat(floats + kFloatBytes * static_cast<size_t>(slot), swapped));
+        const float v = readFloat(floats + kFloatBytes * static_cast<size_t>(slot), swapped);
+        if (checkRange) {
+            if (!isNormalized(v)) return false;
+            preset.values[slot] = v;
+        } else if (const auto admittedValue = params::admitted(v)) {
+            // The legacy chunk has no range check to undo it: a value that is not a number
+            // leaves the slot as the template set it, one outside 0..1 is held to it.
+            preset.values[slot] = *admittedValue;
+        }
     }
+    return true;
 }
 
 void ImageLoader::finishPresetLoad() {
@@ -68,6 +79,7 @@ bool ImageLoader::loadPresetRecords(const uint8_t* records, size_t size, const I
     PresetRecord* bank = effect_.bankRecords();
     if (!bank) return false;
     const int current = effect_.getCurrentPreset();
+    const PresetRecord kept = bank[current];
     effect_.resetPresetToTemplate(current);
     PresetRecord& preset = bank[current];
 
@@ -80,7 +92,11 @@ bool ImageLoader::loadPresetRecords(const uint8_t* records, size_t size, const I
             uint32_t slot;
             float value;
             if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
-            storeValue(preset, slot, value);
+            if (!isNormalized(value)) {
+                preset = kept;
+                return false;
+            }
+            preset.values[slot] = value;
         }
         // Records of other types belong to newer writers and are skipped.
     }
@@ -92,6 +108,8 @@ bool ImageLoader::loadBankRecords(const uint8_t* records, size_t size, const Ima
     PresetRecord* bank = effect_.bankRecords();
     if (!bank || header.recordCount < 0) return false;
     const int current = presetOrFirst(header.currentPreset);
+    BankCopy kept;
+    copyBank(kept, bank);
 
     RecordCursor cursor(records, size, swapped);
     Record record;
@@ -107,7 +125,11 @@ bool ImageLoader::loadBankRecords(const uint8_t* records, size_t size, const Ima
             uint32_t slot;
             float value;
             if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
-            storeValue(preset, slot, value);
+            if (!isNormalized(value)) {
+                putBack(bank, kept);
+                return false;
+            }
+            preset.values[slot] = value;
         }
     }
     finishBankLoad(current);
@@ -121,34 +143,43 @@ bool ImageLoader::loadPresetLegacy(const uint8_t* data, size_t size, bool swappe
     const int count = static_cast<int>(std::min<size_t>(static_cast<size_t>(floatCount), available));
 
     const int current = effect_.getCurrentPreset();
+    const PresetRecord kept = bank[current];
     effect_.resetPresetToTemplate(current);
     PresetRecord& preset = bank[current];
     storeName(preset, data);
-    readLegacyValues(preset, data + kLegacyNameBytes, count, swapped);
+    if (!readLegacyValues(preset, data + kLegacyNameBytes, count, swapped, true)) {
+        preset = kept;
+        return false;
+    }
     finishPresetLoad();
     return true;
 }
 
 bool ImageLoader::loadLegacyBlocks(const uint8_t* data, size_t size, bool swapped, int presetCount,
-                                   int floatsPerPreset) {
+                                   int floatsPerPreset, bool checkRange) {
     PresetRecord* bank = effect_.bankRecords();
     if (!bank || !data || presetCount <= 0 || floatsPerPreset < 0) return false;
     const size_t stride = kLegacyNameBytes + kFloatBytes * static_cast<size_t>(floatsPerPreset);
     const int loaded = std::min(presetCount, kPresetCount);
     if (stride > size / static_cast<size_t>(loaded)) return false;  // the blocks would run past the end
 
+    BankCopy kept;
+    copyBank(kept, bank);
     for (int p = 0; p < loaded; ++p) {
         const uint8_t* block = data + stride * static_cast<size_t>(p);
         effect_.resetPresetToTemplate(p);
         storeName(bank[p], block);
-        readLegacyValues(bank[p], block + kLegacyNameBytes, floatsPerPreset, swapped);
+        if (!readLegacyValues(bank[p], block + kLegacyNameBytes, floatsPerPreset, swapped, checkRange)) {
+            putBack(bank, kept);
+            return false;
+        }
     }
     return true;
 }
 
 bool ImageLoader::loadBankLegacy(const uint8_t* data, size_t size, bool swapped, int presetCount,
                                  int floatsPerPreset) {
-    if (!loadLegacyBlocks(data, size, swapped, presetCount, floatsPerPreset)) return false;
+    if (!loadLegacyBlocks(data, size, swapped, presetCount, floatsPerPreset, true)) return false;
     finishBankLoad(0);
     return true;
 }
@@ -163,7 +194,7 @@ bool ImageLoader::loadLegacyChunk(const uint8_t* chunk, size_t size, bool swappe
     const size_t floats = (blockBytes - kLegacyNameBytes) / kFloatBytes;
     const int floatsPerPreset = static_cast<int>(std::min<size_t>(floats, INT_MAX));
     if (!loadLegacyBlocks(chunk + kLegacyChunkHeaderBytes, size - kLegacyChunkHeaderBytes, swapped, presetCount,
-                          floatsPerPreset))
+                          floatsPerPreset, false))
         return false;
     finishBankLoad(presetOrFirst(current));
     return true;

@@ -2,10 +2,10 @@
 // Applies preset and bank images to the bank of the effect: the record images, the two older
 // fixed layouts, and the legacy chunk.
 //
-// Every value passes the parameters' admission rule: one that is not a number leaves its slot as
-// the load found it, one outside 0..1 is held to it. Every loader stops at the end of the bytes
-// it is given. All of them answer true when the image was applied and false when the bank was
-// left untouched.
+// Every loader keeps a copy of what it may change and puts it back when the image holds a value
+// outside 0..1, so such an image leaves the preset (or the whole bank) exactly as it was and
+// nothing is shown or selected. Every loader stops at the end of the bytes it is given. All of
+// them answer true when the image was applied and false when the bank was left untouched.
 
 #include <cstddef>
 #include <cstdint>
@@ -40,15 +40,18 @@ public:
     // Refused when the bytes cannot hold those blocks. Then preset 0 is selected.
     bool loadBankLegacy(const uint8_t* data, size_t size, bool swapped, int presetCount, int floatsPerPreset);
 
-    // The legacy chunk, whole (from its version word). Refused when shorter than its header, when its preset count is not positive or
+    // The legacy chunk, whole (from its version word). Its values are not range-checked but
+    // admitted one by one (NaN ignored, the rest held to 0..1); refused when shorter than its header, when its preset count is not positive or
     // when the bytes cannot hold a name per preset.
     bool loadLegacyChunk(const uint8_t* chunk, size_t size, bool swapped);
 
 private:
-    // Reads count legacy floats into preset from slot 0.
-    void readLegacyValues(PresetRecord& preset, const uint8_t* floats, int count, bool swapped);
+    // Reads count legacy floats into preset from slot 0. False at a value outside 0..1 when
+    // checkRange is set (the preset is then partly written; the caller undoes it).
+    bool readLegacyValues(PresetRecord& preset, const uint8_t* floats, int count, bool swapped, bool checkRange);
     // Loads presets 0.. from fixed blocks of a name and floatsPerPreset floats.
-    bool loadLegacyBlocks(const uint8_t* data, size_t size, bool swapped, int presetCount, int floatsPerPreset);
+    bool loadLegacyBlocks(const uint8_t* data, size_t size, bool swapped, int presetCount, int floatsPerPreset,
+                          bool checkRange);
     void storeName(PresetRecord& preset, const uint8_t* nameBytes);
     void finishPresetLoad();
     void finishBankLoad(int current);

@@ -166,4 +166,7 @@ void writeHeader(uint8_t* out, int32_t uniqueId, uint8_t type, int32_t slotCount
 void writeNameRecord(uint8_t* out, int32_t presetIndex, const char* name, size_t nameField);
 void writeValueRecord(uint8_t* out, int32_t presetIndex, uint32_t slot, float value);
 
+// Values outside 0..1 (and NaN) undo a load.
+inline bool isNormalized(float v) { return v >= 0.0f && v <= 1.0f; }
+
 }  // namespace presets::image

@@ -172,13 +172,14 @@ TEST_F(RecordImages, DamagedForeignOrMisdirectedInputIsRefusedWithNothingStoredL
     }
 }
 
-// Hosts, old sessions and damaged files carry values no parameter may hold: every loader holds a
-// finite one to 0..1 and leaves the slot as the load found it (the template's value) for the rest.
-TEST_F(RecordImages, HostileValuesAreHeldToTheRangeOrLeftOutByEveryLoader) {
+// Hosts, old sessions and damaged files carry values no parameter may hold. A loader that can
+// undo puts the preset (or bank) back as it was; the legacy chunk, which has no range check to
+// undo with, holds a finite value to 0..1 and leaves the slot at the template's value otherwise.
+TEST_F(RecordImages, HostileValuesUndoTheLoadOrAreAdmittedByTheLegacyChunk) {
     const float inf = std::numeric_limits<float>::infinity();
     const struct {
         float bad;
-        bool kept;  // true: the slot keeps the template's value; false: it holds `held`
+        bool kept;  // legacy chunk: true, the slot keeps the template's value; false: it holds `held`
         float held;
     } values[] = {{1.5f, false, 1.0f}, {-0.5f, false, 0.0f}, {std::nextafter(1.0f, 2.0f), false, 1.0f},
                   {std::numeric_limits<float>::quiet_NaN(), true, 0}, {inf, true, 0}, {-inf, true, 0}};
@@ -191,6 +192,7 @@ TEST_F(RecordImages, HostileValuesAreHeldToTheRangeOrLeftOutByEveryLoader) {
                 fresh();
                 int target = kPreset;
                 bool loaded = false;
+                const float before[2] = {fx->preset(kPreset).values[kSlot], fx->preset(4).values[kSlot]};
                 switch (loader) {
                     case PresetRecords: {
                         const Bytes b = presetImage(big, "Bad", {{0, 0.3f}, {kSlot, v.bad}, {11, 0.4f}});
@@ -225,8 +227,13 @@ TEST_F(RecordImages, HostileValuesAreHeldToTheRangeOrLeftOutByEveryLoader) {
                         break;
                     }
                 }
-                ASSERT_TRUE(loaded);
-                EXPECT_EQ(fx->preset(target).values[kSlot], v.kept ? templ(kSlot) : v.held);
+                if (loader == LegacyChunk) {
+                    ASSERT_TRUE(loaded);
+                    EXPECT_EQ(fx->preset(target).values[kSlot], v.kept ? templ(kSlot) : v.held);
+                } else {
+                    if (loader != Chunk) { EXPECT_FALSE(loaded); }
+                    EXPECT_EQ(fx->preset(target).values[kSlot], before[target == kPreset ? 0 : 1]);
+                }
             }
 }
 
