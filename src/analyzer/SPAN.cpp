@@ -17,6 +17,11 @@ constexpr float kSineMeanSquareOffsetDb = 3.0102999f;
 // Rates below this are never processed.
 constexpr float kLowestActiveRate = 1000.0f;
 
+// No audio comes anywhere near this (+300 dB of full scale); beyond it the squared band
+// outputs could overflow. Such a sample, like a non-finite one, is measured as silence:
+// once in the recursive filters it would stay there and blank the display for good.
+constexpr float kLargestInput = 1e15f;
+
 }  // namespace
 
 SPAN::SPAN(Routine routine) {
@@ -28,6 +33,7 @@ SPAN::SPAN(Routine routine) {
 void SPAN::processSample(float x) {
     if (posted_.count.load(std::memory_order_relaxed) != applied_.count) applyPostedSettings();
     if (activeRate_.load(std::memory_order_relaxed) < kLowestActiveRate) return;
+    if (!(std::fabs(x) <= kLargestInput)) x = 0.0f;  // NaN fails the comparison too
     const bool peak = activeMode_.load(std::memory_order_relaxed) == kPeakMode;
     if (useVector_) {
         analyzer::processVector(bank_, x, peak);

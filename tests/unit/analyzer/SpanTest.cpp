@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 #include <xmmintrin.h>
 
@@ -356,6 +357,36 @@ INSTANTIATE_TEST_SUITE_P(Cases, SpanRoutinesAgree,
                              return std::to_string(static_cast<int>(info.param.rate)) + "Hz_order" +
                                     std::to_string(info.param.order) + "_mode" + std::to_string(info.param.mode);
                          });
+
+// A hostile sample is measured as silence: the readings go on exactly as if a 0 had come,
+// finite all the way, in both routines.
+TEST(SpanHostileInput, ABadSampleReadsLikeSilence) {
+    constexpr float kMax = std::numeric_limits<float>::max();
+    for (SPAN::Routine routine : {SPAN::Routine::scalar, SPAN::Routine::vector}) {
+        for (float bad : {std::numeric_limits<float>::quiet_NaN(), INFINITY, -INFINITY, kMax, -kMax, 1e30f}) {
+            SPAN hit(routine), reference(routine);
+            for (SPAN* s : {&hit, &reference}) {
+                s->setFilterOrder(6);
+                s->setSampleRate(48000.0f);
+                s->setMode(kAverage);
+            }
+            long phaseHit = 0, phaseReference = 0;
+            feedSine(hit, 1000.0, 48000.0, 4800, phaseHit);
+            feedSine(reference, 1000.0, 48000.0, 4800, phaseReference);
+            hit.processSample(bad);
+            reference.processSample(0.0f);
+            for (int block = 0; block < 8; ++block) {
+                feedSine(hit, 1000.0, 48000.0, 512, phaseHit);
+                feedSine(reference, 1000.0, 48000.0, 512, phaseReference);
+                const Bars h = readBars(hit), r = readBars(reference);
+                for (int i = 0; i < SPAN::kBands; ++i) {
+                    ASSERT_TRUE(std::isfinite(h[i])) << bad << " band " << i;
+                    ASSERT_EQ(h[i], r[i]) << bad << " band " << i;
+                }
+            }
+        }
+    }
+}
 
 TEST(SpanRoutine, VectorRoutineRestoresTheFloatingPointModes) {
     constexpr unsigned kFlushModes = 0x8000u | 0x0040u;  // flush-to-zero, denormals-are-zero
