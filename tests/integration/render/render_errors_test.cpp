@@ -30,12 +30,12 @@ TEST_P(Failures, ExitNonZeroWithMessageAndLeaveTheFolderAsItWas) {
     writeShorts(path("slow.wav"), kWav16, 4000, 1, testShorts(3000, 1));
     std::ofstream(path("notes.wav")) << "not audio at all\n";
     std::ofstream(path("out.wav")) << "an earlier render";
-    ImageWriter().u32(0x41424344).u8(0x22).u32(0x02000000).save(path("foreign.tyx"));
-    ImageWriter().header(0x22, 2, 0, kNameRecordBytes + kValueRecordBytes).nameRecord(0, "Loud")
+    ImageWriter().u32(0x41424344).u8(kTypePreset).u32(presets::image::kFormatVersion).save(path("foreign.tyx"));
+    ImageWriter().header(kTypePreset, 2, 0, kNameRecordBytes + kValueRecordBytes).nameRecord(0, "Loud")
         .valueRecord(0, 5, 1.5f).save(path("loud.tyx"));
-    ImageWriter().header(0x22, 3, 0, kNameRecordBytes + 2 * kValueRecordBytes).nameRecord(0, "Cut")
+    ImageWriter().header(kTypePreset, 3, 0, kNameRecordBytes + 2 * kValueRecordBytes).nameRecord(0, "Cut")
         .valueRecord(0, 5, 0.5f).save(path("cut.tyx"));
-    ImageWriter().header(0x38, 1, 0, kNameRecordBytes).nameRecord(0, "Only").save(path("bank.tyb"));
+    ImageWriter().header(kTypeBank, 1, 0, kNameRecordBytes).nameRecord(0, "Only").save(path("bank.tyb"));
 
     auto folder = [&] {  // every file by name, with a hash of its contents
         std::map<std::string, size_t> m;

@@ -60,7 +60,7 @@ TEST_F(Settings, PresetFileGivesTheSameResultAsTheSameValuesSet) {
     // The preset image, field by field, once in each byte order.
     for (bool bigEndian : {false, true}) {
         ImageWriter w(bigEndian);
-        w.header(0x22, 1 + kSavedSlots, 0, kNameRecordBytes + kSavedSlots * kValueRecordBytes);
+        w.header(kTypePreset, 1 + kSavedSlots, 0, kNameRecordBytes + kSavedSlots * kValueRecordBytes);
         w.nameRecord(0, "Hand Made");
         for (int slot = 0; slot < kSavedSlots; ++slot) w.valueRecord(0, slot, values[slot]);
         w.save(path(bigEndian ? "hand-be.tyx" : "hand.tyx"));
@@ -92,7 +92,7 @@ TEST_F(Settings, BankFileReplacesTheBankAndOpensOnItsFirstPreset) {
     constexpr int kPresets = 21;
     ImageWriter w;
     // The stored current preset (7) is not where a loaded bank opens.
-    w.header(0x38, kPresets * 2, 7, kPresets * (kNameRecordBytes + kValueRecordBytes));
+    w.header(kTypeBank, kPresets * 2, 7, kPresets * (kNameRecordBytes + kValueRecordBytes));
     for (int p = 0; p < kPresets; ++p)
         w.nameRecord(p, "Bank " + std::to_string(p)).valueRecord(p, 5, static_cast<float>(p + 1) / 32.0f);  // Output
     w.save(path("mine.tyb"));
