@@ -53,7 +53,6 @@ public:
 
     // The posted rate if it is supported, else 0 (inactive).
     float sampleRate() const;
-    bool usesVectorRoutine() const { return useVector_; }
     int speed() const { return posted_.speed.load(std::memory_order_relaxed); }
     int mode() const { return posted_.mode.load(std::memory_order_relaxed); }
     int filterOrder() const { return posted_.order.load(std::memory_order_relaxed); }

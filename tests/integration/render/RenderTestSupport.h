@@ -91,7 +91,6 @@ inline Audio readAudio(const fs::path& p) {
     }
     return a;
 }
-inline Audio readFloats(const fs::path& p) { return readAudio(p); }
 
 // The latency the tool printed in its summary ("latency  N samples"); -1 when absent.
 inline int printedLatency(const std::string& out) {
@@ -165,11 +164,6 @@ protected:
         auto plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH);
         if (plugin) plugin->open();
         return plugin;
-    }
-    // Everything that goes through the chunk is skipped while the plug-in does not give one.
-    bool pluginGivesChunk() {
-        auto plugin = loadPlugin();
-        return plugin && !plugin->getChunk().empty();
     }
 
     // Runs vireo-render with `args` in the working folder; standard input is empty.

@@ -10,7 +10,6 @@
 #include <xmmintrin.h>
 
 #include "AnalyzerTestSupport.h"
-#include "platform/CpuFeatures.h"
 
 namespace {
 
@@ -302,12 +301,6 @@ INSTANTIATE_TEST_SUITE_P(EverySpeed, SpanRelease,
                                            SpeedCase{2, 1.0, 1.0}, SpeedCase{3, 0.15, 0.3},
                                            SpeedCase{4, 0.25, 0.5}, SpeedCase{9, 0.125, 0.125}),
                          [](const auto& info) { return "speed" + std::to_string(info.param.speed); });
-
-TEST(SpanRoutine, ProcessorTestChoosesTheVectorRoutine) {
-    EXPECT_EQ(SPAN().usesVectorRoutine(), platform::cpuFeatures().usable(platform::kCpuSse2));
-    EXPECT_FALSE(SPAN(SPAN::Routine::scalar).usesVectorRoutine());
-    EXPECT_TRUE(SPAN(SPAN::Routine::vector).usesVectorRoutine());
-}
 
 struct AgreementCase {
     float rate;
