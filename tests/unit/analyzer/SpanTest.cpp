@@ -103,17 +103,29 @@ TEST_P(ToneInEveryBand, ReadsZeroInItsOwnBand) {
 INSTANTIATE_TEST_SUITE_P(BothOrders, ToneInEveryBand, ::testing::Values(2, 6),
                          [](const auto& info) { return "order" + std::to_string(info.param); });
 
-TEST(SpanInactive, UnsupportedRateMeasuresNothingAndReadsTheFloor) {
+// An analyzer at a rate it has no tables for measures nothing: every bar reads the floor of
+// its detector mode, shifted by the weighting (1 kHz the reference; band 30 is 20 Hz, band 9
+// 2.5 kHz, band 0 20 kHz). Band -1 means every band.
+TEST(SpanFloor, InactiveAnalyzerReadsTheFloorOfItsModeAndWeighting) {
     SPAN span(SPAN::Routine::scalar);
     span.setSampleRate(32000.0f);
     EXPECT_EQ(span.sampleRate(), 0.0f);
     long phase = 0;
     feedSine(span, 1000.0, 32000.0, 32000, phase);
-    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -200.0f);
-    span.setMode(kAverage);
-    for (float v : readBars(span).db) EXPECT_NEAR(v, -96.99f, 0.005f);
-    span.setMode(2);
-    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -100.0f);
+    const struct {
+        int mode, weighting, band;
+        float db;
+    } cases[] = {{kPeak, 0, -1, -200.0f},  {kAverage, 0, -1, -96.9897f}, {2, 0, -1, -100.0f},
+                 {2, 1, 30, -150.5f},      {2, 1, 9, -98.7f},            {2, 1, 13, -100.0f},
+                 {2, 1, 0, -109.3f},       {2, 2, 30, -106.2f},          {2, 2, 0, -111.2f},
+                 {2, 2, 15, -100.0f},      {2, 7, -1, -100.0f}};  // weighting 7: anything else is flat
+    for (const auto& c : cases) {
+        span.setMode(c.mode);
+        span.setWeighting(c.weighting);
+        const Bars b = readBars(span);
+        for (int i = 0; i < SPAN::kBands; ++i)
+            if (c.band < 0 || c.band == i) EXPECT_NEAR(b[i], c.db, 1e-4f) << c.mode << "/" << c.weighting << " band " << i;
+    }
 
     // Speed and order changes keep it inactive; a supported rate wakes it up.
     span.setSpeed(1);
@@ -123,23 +135,6 @@ TEST(SpanInactive, UnsupportedRateMeasuresNothingAndReadsTheFloor) {
     EXPECT_EQ(span.sampleRate(), 48000.0f);
     feedSine(span, 1000.0, 48000.0, 72000, phase);
     EXPECT_NEAR(readBars(span)[13], -3.01, 0.15);
-}
-
-TEST(SpanWeighting, OffsetsFollowTheTablesFromTheLowestBandUp) {
-    SPAN span(SPAN::Routine::scalar);
-    span.setMode(2);  // readings of the floor are then exactly -100 dB
-    // A and C weighting, 1 kHz the reference: band 30 is 20 Hz, band 9 2.5 kHz, band 0 20 kHz.
-    const struct {
-        int weighting, band;
-        float db;
-    } cases[] = {{1, 30, -150.5f}, {1, 9, -98.7f}, {1, 13, -100.0f}, {1, 0, -109.3f},
-                 {2, 30, -106.2f}, {2, 0, -111.2f}, {2, 15, -100.0f}};
-    for (const auto& c : cases) {
-        span.setWeighting(c.weighting);
-        EXPECT_NEAR(readBars(span)[c.band], c.db, 1e-4f) << c.weighting << " band " << c.band;
-    }
-    span.setWeighting(7);  // anything else is flat
-    for (float v : readBars(span).db) EXPECT_FLOAT_EQ(v, -100.0f);
 }
 
 TEST(SpanModes, SwitchingToAverageKeepsASteadyReading) {
