@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Fuzzes the preset system's readers of untrusted bytes: the host's chunk (chunk_fuzzer) and
-# the preset and bank images of files, stored defaults and memories (image_fuzzer). Built with
-# clang, libFuzzer, AddressSanitizer and UBSan, apart from the g++ build.
+# the preset and bank images of files, stored defaults and memories (image_fuzzer). They are
+# CMake targets of a clang build folder of their own (TYX_FUZZ=ON: libFuzzer, ASan, UBSan).
 #
 #   fuzz/run.sh [seconds]   build, replay the committed corpus, then fuzz each target for
 #                           the given seconds (default 25; 0 only builds and replays)
@@ -20,37 +20,16 @@ if [ -z "$cxx" ]; then
 fi
 [ -n "$cxx" ] || { echo "fuzz: clang++ not found" >&2; exit 1; }
 
-sanitize="-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer"
-cxxflags="-std=c++20 -g -O1 -I$root/src -I$root/fuzz $sanitize"
-sources=("$root"/src/presets/*.cpp "$root"/src/vst/*.cpp "$root"/src/platform/UserStore.cpp
-         "$root"/src/platform/AtomicFile.cpp)
-
-mkdir -p "$out/obj"
-objects=()
-stale=()
-for src in "${sources[@]}"; do
-  rel=${src#"$root"/src/}
-  obj="$out/obj/${rel//\//_}.o"
-  objects+=("$obj")
-  if [ ! -f "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$root/src" -name '*.h' -newer "$obj" -print -quit)" ]; then
-    stale+=("$src" "$obj")
-  fi
-done
-if [ ${#stale[@]} -gt 0 ]; then
-  printf '%s\n' "${stale[@]}" |
-    xargs -P 2 -n 2 sh -c "$cxx $cxxflags -fsanitize=fuzzer-no-link -c \"\$0\" -o \"\$1\""
-fi
-
-for target in chunk_fuzzer image_fuzzer; do
-  "$cxx" $cxxflags -fsanitize=fuzzer "$root/fuzz/$target.cpp" "${objects[@]}" -o "$out/$target"
-done
+cmake -S "$root" -B "$out" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+      -DTYX_FUZZ=ON -DTYX_BUILD_TESTS=OFF -DTYX_BUILD_BENCH=OFF >/dev/null
 
 if [ "$mode" = seeds ]; then
-  "$cxx" $cxxflags "$root/fuzz/make_seeds.cpp" "${objects[@]}" -o "$out/make_seeds"
+  cmake --build "$out" -j"$(nproc)" --target make_seeds
   rm -rf "$root/fuzz/corpus/chunk" "$root/fuzz/corpus/images"
   "$out/make_seeds" "$root/fuzz/corpus"
   exit 0
 fi
+cmake --build "$out" -j"$(nproc)" --target fuzzers
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}

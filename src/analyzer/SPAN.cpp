@@ -17,22 +17,47 @@ constexpr float kSineMeanSquareOffsetDb = 3.0102999f;
 // Rates below this are never processed.
 constexpr float kLowestActiveRate = 1000.0f;
 
+// No audio comes anywhere near this (+300 dB of full scale); beyond it the squared band
+// outputs could overflow. Such a sample, like a non-finite one, is measured as silence:
+// once in the recursive filters it would stay there and blank the display for good.
+constexpr float kLargestInput = 1e15f;
+
 }  // namespace
 
 SPAN::SPAN(Routine routine) {
     useVector_ = routine == Routine::vector ||
                  (routine == Routine::fromCpu && platform::cpuFeatures().usable(platform::kCpuSse2));
-    setSampleRate(44100.0f);
-    reset();
+    applyPostedSettings();
 }
 
 void SPAN::processSample(float x) {
-    if (sampleRate_.load(std::memory_order_relaxed) < kLowestActiveRate) return;
-    const bool peak = mode_.load(std::memory_order_relaxed) == kPeakMode;
+    if (posted_.count.load(std::memory_order_relaxed) != applied_.count) applyPostedSettings();
+    if (activeRate_.load(std::memory_order_relaxed) < kLowestActiveRate) return;
+    if (!(std::fabs(x) <= kLargestInput)) x = 0.0f;  // NaN fails the comparison too
+    const bool peak = activeMode_.load(std::memory_order_relaxed) == kPeakMode;
     if (useVector_) {
         analyzer::processVector(bank_, x, peak);
     } else {
         analyzer::processScalar(bank_, x, peak);
+    }
+}
+
+void SPAN::applyPostedSettings() {
+    applied_.count = posted_.count.load(std::memory_order_acquire);
+
+    switchMode(posted_.mode.load(std::memory_order_relaxed));
+
+    const float fs = posted_.rate.load(std::memory_order_relaxed);
+    const int speed = posted_.speed.load(std::memory_order_relaxed);
+    const int order = posted_.order.load(std::memory_order_relaxed);
+    if (fs != applied_.requestedRate || speed != applied_.speed || order != applied_.order) {
+        redesign(fs, speed, order);
+    }
+
+    const uint32_t resets = posted_.resets.load(std::memory_order_relaxed);
+    if (resets != applied_.resets) {
+        applied_.resets = resets;
+        bank_.clear();
     }
 }
 
@@ -46,7 +71,7 @@ void SPAN::getBars(float* out) {
     for (int i = 0; i < kBands; ++i) bars[i] = 10.0f * std::log10(bank_.level(i));
     lock_.unlock();
 
-    const int mode = mode_.load(std::memory_order_relaxed);
+    const int mode = activeMode_.load(std::memory_order_relaxed);
     const float* offsets = analyzer::weightingOffsets(weighting_.load(std::memory_order_relaxed));
     for (int i = 0; i < kBands; ++i) {
         float l = bars[i];
@@ -59,31 +84,59 @@ void SPAN::getBars(float* out) {
     }
 }
 
-void SPAN::reset() { bank_.clear(); }
+void SPAN::reset() { postRestart(); }
 
 void SPAN::setSampleRate(float fs) {
+    posted_.rate.store(fs, std::memory_order_relaxed);
+    postRestart();
+}
+
+void SPAN::setSpeed(int index) {
+    posted_.speed.store(index, std::memory_order_relaxed);
+    postRestart();
+}
+
+void SPAN::setMode(int index) {
+    posted_.mode.store(index, std::memory_order_relaxed);
+    post();
+}
+
+void SPAN::setWeighting(int index) {
+    weighting_.store(analyzer::weightingFromIndex(index), std::memory_order_relaxed);
+}
+
+void SPAN::setFilterOrder(int value) {
+    posted_.order.store(value == 2 ? 2 : 6, std::memory_order_relaxed);
+    postRestart();
+}
+
+float SPAN::sampleRate() const {
+    const float fs = posted_.rate.load(std::memory_order_relaxed);
+    return analyzer::bandTablesFor(fs, filterOrder()) != nullptr ? fs : 0.0f;
+}
+
+void SPAN::redesign(float fs, int speed, int order) {
+    applied_.requestedRate = fs;
+    applied_.speed = speed;
+    applied_.order = order;
+
     float coefficients[analyzer::kDetectorGroups];
-    analyzer::detectorCoefficients(fs, speed_, coefficients);
+    analyzer::detectorCoefficients(fs, speed, coefficients);
     bank_.setDetectorCoefficients(coefficients);
 
     // An unsupported rate keeps the previous tables; nothing runs until a supported rate
     // is set again.
-    const analyzer::RateBandTables* tables = analyzer::bandTablesFor(fs, order_);
+    const analyzer::RateBandTables* tables = analyzer::bandTablesFor(fs, order);
     if (tables != nullptr) {
-        bank_.loadCoefficients(*tables, analyzer::decimationLowPass(order_), analyzer::sectionsForOrder(order_));
+        bank_.loadCoefficients(*tables, analyzer::decimationLowPass(order), analyzer::sectionsForOrder(order));
     }
-    sampleRate_.store(tables != nullptr ? fs : 0.0f, std::memory_order_relaxed);
-    reset();
+    activeRate_.store(tables != nullptr ? fs : 0.0f, std::memory_order_relaxed);
+    bank_.clear();
 }
 
-void SPAN::setSpeed(int index) {
-    speed_ = index;
-    setSampleRate(sampleRate());
-}
-
-void SPAN::setMode(int index) {
-    if (index == mode_.load(std::memory_order_relaxed)) return;
-    mode_.store(index, std::memory_order_relaxed);
+void SPAN::switchMode(int index) {
+    if (index == activeMode_.load(std::memory_order_relaxed)) return;
+    activeMode_.store(index, std::memory_order_relaxed);
     if (index != kAverageMode) return;
 
     // Peak amplitudes become the mean square of a sine of that amplitude, so that a steady
@@ -93,13 +146,4 @@ void SPAN::setMode(int index) {
         const float meanSquare = 0.5f * peak * peak;
         bank_.setLevel(i, meanSquare > analyzer::kLevelFloor ? meanSquare : analyzer::kLevelFloor);
     }
-}
-
-void SPAN::setWeighting(int index) {
-    weighting_.store(analyzer::weightingFromIndex(index), std::memory_order_relaxed);
-}
-
-void SPAN::setFilterOrder(int value) {
-    order_ = value == 2 ? 2 : 6;
-    setSampleRate(sampleRate());
 }

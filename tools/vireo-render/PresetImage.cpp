@@ -8,13 +8,12 @@
 namespace render {
 namespace {
 
-using namespace image;
-
-constexpr uint32_t kNameRecord = 0;
-constexpr uint32_t kValueRecord = 1;
-constexpr uint32_t kNameBody = 156;
-constexpr uint32_t kValueBody = 20;
-constexpr size_t kRecordHead = 12;
+// The layout's numbers are shared with the plug-in; the reading and writing below are this
+// tool's own, an independent check of what the plug-in accepts.
+using namespace presets::image;
+constexpr size_t kNameSize = presets::kNameField;
+constexpr uint32_t kSlots = presets::kPresetSlots;
+constexpr int kBankPresets = presets::kPresetCount;
 
 // Reads 32-bit fields of an image whose byte order is known.
 class FieldReader {
@@ -77,40 +76,40 @@ void readLegacyPreset(const FieldReader& in, size_t offset, size_t floats, int32
         value.kind = ImageRecord::Value;
         value.preset = preset;
         value.slot = slot;
-        value.value = in.f32(offset + kNameSize + 4 * slot);
+        value.value = in.f32(offset + kLegacyNameBytes + 4 * slot);
         checkValue(value.value, slot, label);
         out.records.push_back(value);
     }
 }
 
 void readRecords(const Bytes& bytes, const FieldReader& in, const std::string& label, PresetImage& out) {
-    if (bytes.size() < kHeaderSize) throw RunError(label + " is too short to hold a preset or bank");
-    const int32_t count = in.i32(13);
+    if (bytes.size() < kHeaderBytes) throw RunError(label + " is too short to hold a preset or bank");
+    const int32_t count = in.i32(kRecordCountOffset);
     if (count < 0) throw RunError(label + " declares a negative number of records");
     out.currentPreset = in.i32(kCurrentPresetOffset);
-    size_t at = kHeaderSize;
+    size_t at = kHeaderBytes;
     for (int32_t i = 0; i < count; ++i) {
-        if (bytes.size() - at < kRecordHead)
+        if (bytes.size() - at < kRecordHeadBytes)
             throw RunError(label + " is truncated: it declares " + std::to_string(count) + " records but holds " +
                            std::to_string(i));
         const uint32_t type = in.u32(at);
-        const uint32_t size = in.u32(at + 4);
-        const int32_t preset = in.i32(at + 8);
-        const size_t body = at + kRecordHead;
+        const uint32_t size = in.u32(at + kRecordBodySizeOffset);
+        const int32_t preset = in.i32(at + kRecordPresetOffset);
+        const size_t body = at + kRecordHeadBytes;
         if (bytes.size() - body < size)
             throw RunError(label + " is truncated: record " + std::to_string(i + 1) + " runs past its end");
-        if (type == kNameRecord && size >= kNameSize) {
+        if (type == kRecordName && size >= kNameSize) {
             ImageRecord r;
             r.kind = ImageRecord::Name;
             r.preset = preset;
             r.name = in.name(body);
             out.records.push_back(r);
-        } else if (type == kValueRecord && size >= 16) {
+        } else if (type == kRecordValue && size >= kValueReadBytes) {
             ImageRecord r;
             r.kind = ImageRecord::Value;
             r.preset = preset;
             r.slot = in.u32(body);
-            r.value = in.f32(body + 12);
+            r.value = in.f32(body + kValueOffset);
             // Slots the plug-in does not have are skipped by it; they carry nothing here either.
             if (r.slot < kSlots) {
                 checkValue(r.value, r.slot, label);
@@ -137,29 +136,29 @@ void putFloat(Bytes& out, float v) {
 }  // namespace
 
 PresetImage parseImage(const Bytes& bytes, int32_t uniqueId, const std::string& label) {
-    if (bytes.size() < 5) throw RunError(label + " is too short to hold a preset or bank");
+    if (bytes.size() < kRecognisedBytes) throw RunError(label + " is too short to hold a preset or bank");
     const bool swapped = isSwapped(bytes, 0, uniqueId, label);
     const FieldReader in(bytes, swapped);
     PresetImage out;
-    switch (bytes[4]) {
-        case kPresetType:
+    switch (bytes[kTypeOffset]) {
+        case kTypePreset:
             readRecords(bytes, in, label, out);
             out.currentPreset = 0;
             break;
-        case kBankType:
+        case kTypeBank:
             out.bank = true;
             readRecords(bytes, in, label, out);
             break;
-        case kLegacyPresetType:
-            if (bytes.size() < 5 + kNameSize) throw RunError(label + " is too short to hold a preset");
-            readLegacyPreset(in, 5, (bytes.size() - 5 - kNameSize) / 4, 0, label, out);
+        case kTypeLegacyPreset:
+            if (bytes.size() < kRecognisedBytes + kLegacyNameBytes) throw RunError(label + " is too short to hold a preset");
+            readLegacyPreset(in, kRecognisedBytes, (bytes.size() - kRecognisedBytes - kLegacyNameBytes) / 4, 0, label, out);
             break;
-        case kLegacyBankType: {
+        case kTypeLegacyBank: {
             out.bank = true;
-            const size_t perPreset = (bytes.size() - 5) / kBankPresets;
-            if (perPreset < kNameSize) throw RunError(label + " is too short to hold a bank");
+            const size_t perPreset = (bytes.size() - kRecognisedBytes) / kBankPresets;
+            if (perPreset < kLegacyNameBytes) throw RunError(label + " is too short to hold a bank");
             for (int p = 0; p < kBankPresets; ++p)
-                readLegacyPreset(in, 5 + p * perPreset, (perPreset - kNameSize) / 4, p, label, out);
+                readLegacyPreset(in, kRecognisedBytes + p * perPreset, (perPreset - kLegacyNameBytes) / 4, p, label, out);
             break;
         }
         default:
@@ -171,28 +170,28 @@ PresetImage parseImage(const Bytes& bytes, int32_t uniqueId, const std::string& 
 Bytes buildImage(const PresetImage& image, int32_t uniqueId) {
     uint32_t payload = 0;
     for (const ImageRecord& r : image.records)
-        payload += static_cast<uint32_t>(kRecordHead) + (r.kind == ImageRecord::Name ? kNameBody : kValueBody);
+        payload += static_cast<uint32_t>(kRecordHeadBytes) + (r.kind == ImageRecord::Name ? kNameBodyBytes : kValueBodyBytes);
     Bytes out;
-    out.reserve(kHeaderSize + payload);
+    out.reserve(kHeaderBytes + payload);
     put32(out, static_cast<uint32_t>(uniqueId));
-    out.push_back(image.bank ? kBankType : kPresetType);
-    put32(out, kVersion);
+    out.push_back(image.bank ? kTypeBank : kTypePreset);
+    put32(out, kFormatVersion);
     put32(out, kSlots);
     put32(out, static_cast<uint32_t>(image.records.size()));
     put32(out, static_cast<uint32_t>(image.currentPreset));
     put32(out, payload);
-    out.resize(kHeaderSize, 0);
+    out.resize(kHeaderBytes, 0);
     for (const ImageRecord& r : image.records) {
         if (r.kind == ImageRecord::Name) {
-            put32(out, kNameRecord);
-            put32(out, kNameBody);
+            put32(out, kRecordName);
+            put32(out, kNameBodyBytes);
             put32(out, static_cast<uint32_t>(r.preset));
             const size_t at = out.size();
-            out.resize(at + kNameBody, 0);
+            out.resize(at + kNameBodyBytes, 0);
             std::memcpy(out.data() + at, r.name.data(), std::min(r.name.size(), kNameSize));
         } else {
-            put32(out, kValueRecord);
-            put32(out, kValueBody);
+            put32(out, kRecordValue);
+            put32(out, kValueBodyBytes);
             put32(out, static_cast<uint32_t>(r.preset));
             put32(out, r.slot);
             put32(out, 0);
@@ -206,10 +205,10 @@ Bytes buildImage(const PresetImage& image, int32_t uniqueId) {
 
 Bytes buildChunk(const PresetImage& image, int32_t uniqueId) {
     const Bytes body = buildImage(image, uniqueId);
-    Bytes out(kChunkPrefixSize + body.size());
-    const uint32_t prefix[2] = {kVersion, static_cast<uint32_t>(uniqueId)};
-    std::memcpy(out.data(), prefix, kChunkPrefixSize);
-    std::memcpy(out.data() + kChunkPrefixSize, body.data(), body.size());
+    Bytes out(kChunkPrefixBytes + body.size());
+    const uint32_t prefix[2] = {kFormatVersion, static_cast<uint32_t>(uniqueId)};
+    std::memcpy(out.data(), prefix, kChunkPrefixBytes);
+    std::memcpy(out.data() + kChunkPrefixBytes, body.data(), body.size());
     return out;
 }
 
@@ -218,10 +217,10 @@ namespace {
 // The byte order of a chunk the plug-in gave, after checking that it is one we can edit.
 bool chunkOrder(const Bytes& chunk, int32_t uniqueId) {
     const std::string label = "the plug-in's chunk";
-    if (chunk.size() < kChunkPrefixSize + kHeaderSize) throw RunError(label + " is too short to hold a bank");
-    const bool swapped = isSwapped(chunk, 4, uniqueId, label);
+    if (chunk.size() < kChunkPrefixBytes + kHeaderBytes) throw RunError(label + " is too short to hold a bank");
+    const bool swapped = isSwapped(chunk, kChunkMagicOffset, uniqueId, label);
     const uint32_t version = swapped ? __builtin_bswap32(raw32(chunk.data())) : raw32(chunk.data());
-    if (version != kVersion) throw RunError(label + " has a layout this tool does not know");
+    if (version != kFormatVersion) throw RunError(label + " has a layout this tool does not know");
     return swapped;
 }
 
@@ -229,14 +228,14 @@ bool chunkOrder(const Bytes& chunk, int32_t uniqueId) {
 
 int32_t chunkCurrentPreset(const Bytes& chunk, int32_t uniqueId) {
     const bool swapped = chunkOrder(chunk, uniqueId);
-    return FieldReader(chunk, swapped).i32(kChunkPrefixSize + kCurrentPresetOffset);
+    return FieldReader(chunk, swapped).i32(kChunkPrefixBytes + kCurrentPresetOffset);
 }
 
 void setChunkCurrentPreset(Bytes& chunk, int32_t uniqueId, int32_t preset) {
     const bool swapped = chunkOrder(chunk, uniqueId);
     uint32_t v = static_cast<uint32_t>(preset);
     if (swapped) v = __builtin_bswap32(v);
-    std::memcpy(chunk.data() + kChunkPrefixSize + kCurrentPresetOffset, &v, 4);
+    std::memcpy(chunk.data() + kChunkPrefixBytes + kCurrentPresetOffset, &v, 4);
 }
 
 }  // namespace render

@@ -11,23 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "presets/RecordLayout.h"
+
 namespace render {
 
 using Bytes = std::vector<unsigned char>;
 
-namespace image {
-constexpr uint32_t kVersion = 0x02000000;  // bytes 00 00 00 02 in little-endian order
-constexpr unsigned char kPresetType = 0x22;
-constexpr unsigned char kBankType = 0x38;
-constexpr unsigned char kLegacyPresetType = 0x21;
-constexpr unsigned char kLegacyBankType = 0x37;
-constexpr size_t kHeaderSize = 41;
-constexpr size_t kCurrentPresetOffset = 17;
-constexpr size_t kChunkPrefixSize = 8;
-constexpr size_t kNameSize = 24;
-constexpr uint32_t kSlots = 94;
-constexpr int kBankPresets = 21;
-}  // namespace image
 
 struct ImageRecord {
     enum Kind { Name, Value } kind = Name;

@@ -15,6 +15,7 @@
 #include <regex>
 
 #include "host/VstHost.h"
+#include "presets/RecordLayout.h"
 
 namespace rendertest {
 
@@ -22,8 +23,10 @@ namespace fs = std::filesystem;
 
 constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-constexpr uint32_t kNameRecordBytes = 12 + 156;
-constexpr uint32_t kValueRecordBytes = 12 + 20;
+using presets::image::kNameRecordBytes;
+using presets::image::kValueRecordBytes;
+using presets::image::kTypePreset;
+using presets::image::kTypeBank;
 constexpr int kSavedSlots = 85;
 
 struct RunResult { int exitCode; std::string out, err; };
@@ -88,7 +91,6 @@ inline Audio readAudio(const fs::path& p) {
     }
     return a;
 }
-inline Audio readFloats(const fs::path& p) { return readAudio(p); }
 
 // The latency the tool printed in its summary ("latency  N samples"); -1 when absent.
 inline int printedLatency(const std::string& out) {
@@ -99,6 +101,8 @@ inline int printedLatency(const std::string& out) {
 // Preset and bank images, built field by field in either byte order.
 class ImageWriter {
 public:
+    static constexpr uint32_t kUniqueId = 0x54587672;  // the plug-in's id, the images' magic
+
     explicit ImageWriter(bool bigEndian = false) : bigEndian_(bigEndian) {}
     ImageWriter& u8(uint8_t v) { return bytes_.push_back(static_cast<char>(v)), *this; }
     ImageWriter& u32(uint32_t v) {
@@ -106,16 +110,21 @@ public:
         return bytes_.append(reinterpret_cast<const char*>(&v), 4), *this;
     }
     ImageWriter& header(uint8_t type, uint32_t records, uint32_t current, uint32_t payload) {
-        u32(0x54587672).u8(type).u32(0x02000000).u32(94).u32(records).u32(current).u32(payload);
-        return u32(0).u32(0).u32(0).u32(0);
+        using namespace presets::image;
+        u32(kUniqueId).u8(type).u32(kFormatVersion).u32(presets::kPresetSlots).u32(records).u32(current).u32(payload);
+        for (size_t i = 0; i < kReservedBytes; ++i) u8(0);
+        return *this;
     }
     ImageWriter& nameRecord(int32_t preset, const std::string& name) {
-        u32(0).u32(156).u32(static_cast<uint32_t>(preset));
-        for (size_t i = 0; i < 156; ++i) u8(i < name.size() && i < 24 ? static_cast<uint8_t>(name[i]) : 0);
+        using namespace presets::image;
+        u32(kRecordName).u32(kNameBodyBytes).u32(static_cast<uint32_t>(preset));
+        for (size_t i = 0; i < kNameBodyBytes; ++i)
+            u8(i < name.size() && i < presets::kNameField ? static_cast<uint8_t>(name[i]) : 0);
         return *this;
     }
     ImageWriter& valueRecord(int32_t preset, uint32_t slot, float value) {
-        return u32(1).u32(20).u32(static_cast<uint32_t>(preset)).u32(slot).u32(0).u32(0)
+        using namespace presets::image;
+        return u32(kRecordValue).u32(kValueBodyBytes).u32(static_cast<uint32_t>(preset)).u32(slot).u32(0).u32(0)
             .u32(std::bit_cast<uint32_t>(value)).u32(0);
     }
     void save(const fs::path& path) const { std::ofstream(path, std::ios::binary) << bytes_; }
@@ -155,11 +164,6 @@ protected:
         auto plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH);
         if (plugin) plugin->open();
         return plugin;
-    }
-    // Everything that goes through the chunk is skipped while the plug-in does not give one.
-    bool pluginGivesChunk() {
-        auto plugin = loadPlugin();
-        return plugin && !plugin->getChunk().empty();
     }
 
     // Runs vireo-render with `args` in the working folder; standard input is empty.

@@ -1,6 +1,7 @@
 // The plug-in processing on one thread while a second automates band parameters, FAT,
-// Resolution and LinPhase and auditions bands, and a third pauses it and changes the block
-// size and the sample rate, as hosts do.
+// Resolution, LinPhase and the analyzer's settings and auditions bands, a third pauses it and
+// changes the block size and the sample rate, as hosts do, and the editor reads the bars.
+// An editor window is reported open throughout, so the audio path feeds the analyzer.
 // Meant to run under ThreadSanitizer: every field the audio thread reads must be handed over
 // without a data race, and the output must stay finite throughout.
 
@@ -15,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
 
@@ -26,6 +28,14 @@ VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float
 
 float stepValue(int k, int n) { return (static_cast<float>(k) + 0.5f) / static_cast<float>(n); }
 
+struct OpenWindow : AEffEditor {
+    bool isOpen() override { return true; }
+};
+
+// The analyzer parameters that reach the analyzer, all stepped in 16.
+constexpr int kAnalyzerSettings[] = {params::kSpanSpeed, params::kSpanMode, params::kSpanResp, params::kSpanFilter};
+constexpr int kAnalyzerSteps = 16;
+
 }  // namespace
 
 TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
@@ -33,6 +43,9 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
     auto plugin = std::make_unique<Plugin>(&quietHost);
     plugin->setSampleRate(48000.0f);
     plugin->setBlockSize(256);
+    OpenWindow window;
+    plugin->setEditor(&window);
+    plugin->setParameter(params::kSpan, stepValue(1, 2));
     plugin->resume();
 
     std::atomic<bool> stop{false};
@@ -87,6 +100,8 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
             plugin->setAuditionWidth(u(rng));
             plugin->setAuditionLevel(u(rng));
             plugin->resetOutputPeaks();
+            plugin->setParameter(kAnalyzerSettings[round % 4], stepValue(rng() % 5, kAnalyzerSteps));
+            if (round % 16 == 0) plugin->setParameter(params::kSpan, stepValue(rng() % 2, 2));
         }
     });
 
@@ -97,9 +112,14 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
             plugin->suspend();
             plugin->setBlockSize(sizes[k % 4]);
             if (k % 8 == 7) plugin->setSampleRate(k % 16 == 7 ? 48000.0f : 44100.0f);
+            if (k % 8 == 3) plugin->setSampleRate(32000.0f);  // the analyzer has no tables for it
             ++k;
             char text[Plugin::kLatencyTextSize];
             plugin->getLatencyText(text);
+            float bars[SPAN::kBands];
+            plugin->getAnalyzerBars(bars);
+            for (float v : bars)
+                if (!std::isfinite(v)) nonFinite.fetch_add(1);
             plugin->resume();
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -112,6 +132,7 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
     audio.join();
     automation.join();
     lifecycle.join();
+    plugin->setEditor(plugin->getPluginEditor());  // the plug-in deletes its own editor only
 
     EXPECT_GT(blocks.load(), 10);
     EXPECT_EQ(nonFinite.load(), 0);

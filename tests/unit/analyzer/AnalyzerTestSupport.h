@@ -24,7 +24,10 @@ struct Bars {
     float operator[](int i) const { return db[i]; }
 };
 
+// Settings are taken over by the audio thread's next sample; a test, its only thread, takes
+// them over before it reads.
 inline Bars readBars(SPAN& span) {
+    span.applyPostedSettings();
     Bars b{};
     span.getBars(b.db);
     return b;

@@ -59,7 +59,7 @@ TEST_P(Spectrum, RenderedPresetFollowsThePluginsOwnCurve) {
     args.insert(args.end(), {"impulse.wav", "response.wav"});
     const RunResult r = run(args);
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    const std::vector<float> response = readFloats(path("response.wav")).floats;
+    const std::vector<float> response = readAudio(path("response.wav")).floats;
     ASSERT_EQ(response.size(), impulse.size());
 
     setenv("TYX_VIREO_CONFIG_DIR", configDir().c_str(), 1);
