@@ -29,8 +29,10 @@
 // takes the engine lock. Nothing here allocates after construction.
 
 #include <atomic>
+#include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "dsp/AuditionFilter.h"
 #include "dsp/CompensationDelay.h"
@@ -85,10 +87,12 @@ public:
     void setFrame(int frameSize, int hop) {
         frame_.store(pack(frameSize, hop), std::memory_order_relaxed);
     }
-    // After a pause: all delay lines and buffers silent, the gain at its target without a
-    // ramp, the peaks cleared (those at once).
+    // After a pause: all delay lines and buffers silent, the gain at the target it has now
+    // without a ramp (a target set after this call ramps from there), the peaks cleared
+    // (those at once).
     void suspend() {
         peaks_.clear();
+        gainAtSuspend_.store(gainTarget_.load(std::memory_order_relaxed), std::memory_order_relaxed);
         clearPending_.store(true, std::memory_order_release);
     }
 
@@ -115,6 +119,8 @@ public:
     const PathConvolver& convolver() const { return convolver_; }
 
 private:
+    // The analyzer's sample: a sum of huge sides can leave the float range.
+    static float finiteFloat(double v) { return static_cast<float>(std::fmin(std::fmax(finiteOrZero(v), -FLT_MAX), FLT_MAX)); }
     static int64_t pack(int n, int hop) { return (static_cast<int64_t>(n) << 32) | static_cast<uint32_t>(hop); }
 
     // Block start: applies what other threads posted and what the settings ask for.
@@ -152,6 +158,7 @@ private:
     const PathFamily family_;
     std::atomic<double> hostRate_{44100.0};
     std::atomic<double> gainTarget_{1.0};
+    std::atomic<double> gainAtSuspend_{std::numeric_limits<double>::quiet_NaN()};  // none yet
     std::atomic<int64_t> frame_;
     std::atomic<bool> clearPending_{true};
     PathPeakHold peaks_;
@@ -216,10 +223,12 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
     const bool feeding = s.feedAnalyzer;
     const bool gainSettled = gain_.settled();
     P peak = P::zero();
+    P health = P::zero();  // stays zero while every sample leaving the equalizer is finite
 
     for (int i = 0; i < frames; ++i) {
-        const double xL = io.in[0][i];
-        const double xR = io.in[1][i];
+        // A non-finite input sample never reaches a filter state: it would stay there for good.
+        const double xL = finiteOrZero(io.in[0][i]);
+        const double xR = finiteOrZero(io.in[1][i]);
         const double g = gainSettled ? gain_.current() : gain_.next();
         P x;
 
@@ -244,13 +253,17 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
                 if (quarterRate_.down(x, inner)) quarterRate_.up(equalize<true>(inner, ops));
                 x = quarterRate_.template out<P>();
             }
-            x = delay_.process(x * (P::splat(g) * factors));
+            // A finite input can still overflow a state; such a value is caught here, kept out
+            // of the compensation delay, and its path cleared at the end of the block.
+            x = x * (P::splat(g) * factors);
+            health = health + (x - x);
+            x = delay_.process(x.finiteOrZero());
         }
 
         if (!auditioning) {
             if (feeding) {
                 const P w = weights * x;
-                feed(static_cast<float>(w.a() + w.b()));
+                feed(finiteFloat(w.a() + w.b()));
             }
             const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
             io.out[0][i] = static_cast<Sample>(y.a());
@@ -258,13 +271,14 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
         } else {
             const double yL = audition_.process<Sample>(0, xL);
             const double yR = audition_.process<Sample>(1, xR);
-            if (feeding) feed(static_cast<float>(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
+            if (feeding) feed(finiteFloat(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
             io.out[0][i] = static_cast<Sample>(yL * g);
             io.out[1][i] = static_cast<Sample>(yR * g);
         }
         PathPeakHold::trackPair(peak, x);
     }
     peaks_.raise(peak.a(), peak.b());
+    if (!health.bothZero()) clearPath(Kind);
 }
 
 }  // namespace dsp
