@@ -28,6 +28,7 @@
 // wait on the audio thread is inside the owner's kernel multiply (PathConvolutionOps), which
 // takes the engine lock. Nothing here allocates after construction.
 
+#include <algorithm>
 #include <atomic>
 #include <cfloat>
 #include <cmath>
@@ -140,19 +141,54 @@ private:
     void run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
              PathConvolutionOps& ops, Feed& feed);
 
-    // The equalizer at the internal rate, one sample of each side.
-    template <bool Linear, class P>
-    P equalize(P x, PathConvolutionOps& ops) {
-        if constexpr (Linear) {
-            // The convolver returns each side through memory. The two values are kept apart
-            // there, so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte
-            // stores cannot be forwarded from the store buffer and would stall every sample.
-            double sides[3] = {x.a(), 0.0, x.b()};
-            convolver_.process(sides[0], sides[2], ops);
-            return P::make(sides[0], sides[2]);
-        } else {
-            return cascade_.process(x);
+    static constexpr bool isMinimum(AudioPathKind kind) {
+        return kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble;
+    }
+    // Host samples per stage of the minimum-phase paths: the cascade takes its whole stretch
+    // of samples at the internal rate at once.
+    static constexpr int kMinimumStretch = MinimumPhaseCascade::kMaxBlock / 2;
+
+    // The minimum-phase paths' first two stages for host samples start..end − 1: the inputs
+    // encoded (and taken to twice the rate), then the cascade over all of them, into inner_.
+    template <AudioPathKind Kind, class P, typename Sample>
+    void equalizeMinimum(const ChannelBuffers<Sample>& io, int start, int end, const MidSide& ms) {
+        double* v = inner_;
+        for (int i = start; i < end; ++i) {
+            const P x = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
+            if constexpr (Kind == AudioPathKind::MinimumDouble) {
+                P up[2];
+                doubleRate_.up(x, up);
+                up[0].store(v);
+                up[1].store(v + 2);
+                v += 4;
+            } else {
+                x.store(v);
+                v += 2;
+            }
         }
+        cascade_.process<P>(inner_, static_cast<int>(v - inner_) / 2);
+    }
+    // Its last stage's input for host sample i of the stretch that begins at `start`.
+    template <AudioPathKind Kind, class P>
+    P equalizedMinimum(int i, int start) {
+        if constexpr (Kind == AudioPathKind::MinimumDouble) {
+            const double* v = inner_ + 4 * (i - start);
+            const P pair[2] = {P::load(v), P::load(v + 2)};
+            return doubleRate_.down(pair);
+        } else {
+            return P::load(inner_ + 2 * (i - start));
+        }
+    }
+
+    // The linear-phase equalizer at the internal rate, one sample of each side.
+    template <class P>
+    P equalize(P x, PathConvolutionOps& ops) {
+        // The convolver returns each side through memory. The two values are kept apart there,
+        // so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte stores
+        // cannot be forwarded from the store buffer and would stall every sample.
+        double sides[3] = {x.a(), 0.0, x.b()};
+        convolver_.process(sides[0], sides[2], ops);
+        return P::make(sides[0], sides[2]);
     }
 
     const PathFamily family_;
@@ -176,6 +212,7 @@ private:
     QuarterRateConverter quarterRate_;
     CompensationDelay delay_;
     AuditionFilter audition_;
+    alignas(16) double inner_[2 * MinimumPhaseCascade::kMaxBlock];  // the minimum-phase stretch, (A, B) pairs
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -214,8 +251,6 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
 template <AudioPathKind Kind, class P, typename Sample, class Feed>
 void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
                       PathConvolutionOps& ops, Feed& feed) {
-    constexpr bool kLinear = Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::LinearDouble ||
-                             Kind == AudioPathKind::LinearHalf || Kind == AudioPathKind::LinearQuarter;
     const ListenFactors listen = ListenFactors::forListen(s.listen);
     const P factors = P::make(ms.h * listen.a, ms.h * listen.b);
     const P weights = P::make(s.analyzerWeightA, s.analyzerWeightB);
@@ -225,57 +260,68 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
     P peak = P::zero();
     P health = P::zero();  // stays zero while every sample leaving the equalizer is finite
 
-    for (int i = 0; i < frames; ++i) {
-        // A non-finite input sample never reaches a filter state: it would stay there for good.
-        const double xL = finiteOrZero(io.in[0][i]);
-        const double xR = finiteOrZero(io.in[1][i]);
-        const double g = gainSettled ? gain_.current() : gain_.next();
-        P x;
+    // The minimum-phase paths run in stages over stretches of the block (equalizeMinimum);
+    // the others take each sample through the whole path.
+    const int stretch = isMinimum(Kind) ? kMinimumStretch : frames;
+    for (int start = 0; start < frames; start += stretch) {
+        const int end = std::min(frames, start + stretch);
+        if constexpr (isMinimum(Kind)) equalizeMinimum<Kind, P>(io, start, end, ms);
+        for (int i = start; i < end; ++i) {
+            // A non-finite input sample never reaches a filter state: it would stay there for good.
+            const double xL = finiteOrZero(io.in[0][i]);
+            const double xR = finiteOrZero(io.in[1][i]);
+            const double g = gainSettled ? gain_.current() : gain_.next();
+            P x;
 
-        if constexpr (Kind == AudioPathKind::Bypass) {
-            x = delay_.process(P::make(xL, xR));
-        } else {
-            x = ms.template encode<P>(xL, xR);
-            if constexpr (Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::MinimumUnity) {
-                x = equalize<kLinear>(x, ops);
-            } else if constexpr (Kind == AudioPathKind::LinearDouble || Kind == AudioPathKind::MinimumDouble) {
-                P inner[2];
-                doubleRate_.up(x, inner);
-                inner[0] = equalize<kLinear>(inner[0], ops);
-                inner[1] = equalize<kLinear>(inner[1], ops);
-                x = doubleRate_.down(inner);
-            } else if constexpr (Kind == AudioPathKind::LinearHalf) {
-                P inner;
-                if (halfRate_.down(x, inner)) halfRate_.up(equalize<true>(inner, ops));
-                x = halfRate_.template out<P>();
-            } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
-                P inner;
-                if (quarterRate_.down(x, inner)) quarterRate_.up(equalize<true>(inner, ops));
-                x = quarterRate_.template out<P>();
+            if constexpr (Kind == AudioPathKind::Bypass) {
+                x = delay_.process(P::make(xL, xR));
+            } else {
+                if constexpr (isMinimum(Kind)) {
+                    x = equalizedMinimum<Kind, P>(i, start);
+                } else {
+                    x = ms.template encode<P>(xL, xR);
+                }
+                if constexpr (Kind == AudioPathKind::LinearUnity) {
+                    x = equalize(x, ops);
+                } else if constexpr (Kind == AudioPathKind::LinearDouble) {
+                    P inner[2];
+                    doubleRate_.up(x, inner);
+                    inner[0] = equalize(inner[0], ops);
+                    inner[1] = equalize(inner[1], ops);
+                    x = doubleRate_.down(inner);
+                } else if constexpr (Kind == AudioPathKind::LinearHalf) {
+                    P inner;
+                    if (halfRate_.down(x, inner)) halfRate_.up(equalize(inner, ops));
+                    x = halfRate_.template out<P>();
+                } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
+                    P inner;
+                    if (quarterRate_.down(x, inner)) quarterRate_.up(equalize(inner, ops));
+                    x = quarterRate_.template out<P>();
+                }
+                // A finite input can still overflow a state; such a value is caught here, kept out
+                // of the compensation delay, and its path cleared at the end of the block.
+                x = x * (P::splat(g) * factors);
+                health = health + (x - x);
+                x = delay_.process(x.finiteOrZero());
             }
-            // A finite input can still overflow a state; such a value is caught here, kept out
-            // of the compensation delay, and its path cleared at the end of the block.
-            x = x * (P::splat(g) * factors);
-            health = health + (x - x);
-            x = delay_.process(x.finiteOrZero());
-        }
 
-        if (!auditioning) {
-            if (feeding) {
-                const P w = weights * x;
-                feed(finiteFloat(w.a() + w.b()));
+            if (!auditioning) {
+                if (feeding) {
+                    const P w = weights * x;
+                    feed(finiteFloat(w.a() + w.b()));
+                }
+                const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
+                io.out[0][i] = static_cast<Sample>(y.a());
+                io.out[1][i] = static_cast<Sample>(y.b());
+            } else {
+                const double yL = audition_.process<Sample>(0, xL);
+                const double yR = audition_.process<Sample>(1, xR);
+                if (feeding) feed(finiteFloat(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
+                io.out[0][i] = static_cast<Sample>(yL * g);
+                io.out[1][i] = static_cast<Sample>(yR * g);
             }
-            const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
-            io.out[0][i] = static_cast<Sample>(y.a());
-            io.out[1][i] = static_cast<Sample>(y.b());
-        } else {
-            const double yL = audition_.process<Sample>(0, xL);
-            const double yR = audition_.process<Sample>(1, xR);
-            if (feeding) feed(finiteFloat(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
-            io.out[0][i] = static_cast<Sample>(yL * g);
-            io.out[1][i] = static_cast<Sample>(yR * g);
+            PathPeakHold::trackPair(peak, x);
         }
-        PathPeakHold::trackPair(peak, x);
     }
     peaks_.raise(peak.a(), peak.b());
     if (!health.bothZero()) clearPath(Kind);

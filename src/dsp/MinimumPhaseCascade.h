@@ -14,7 +14,14 @@
 // other, the stages beyond the shorter side's last band still compute both sides (the missing
 // band has zero coefficients), and the shorter side's value from before them is kept: each
 // side goes through exactly its own bands, in order, whatever the family.
+//
+// A block runs as a wavefront: at step t, section j filters sample t − j, the sample section
+// j − 1 finished one step earlier. The sections of one step do not depend on each other, so the
+// processor overlaps them, where one sample taken through all sections would be one long chain
+// of dependent additions. Every section still sees its samples in order and computes exactly
+// what it would one sample at a time.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "dsp/EqTypes.h"
@@ -25,6 +32,7 @@ namespace dsp {
 class MinimumPhaseCascade {
 public:
     static constexpr int kSectionsPerBand = 2;
+    static constexpr int kMaxBlock = 512;  // pairs per process() call
 
     // Bit s set: slot s (bands 1..8 of side A, then of side B) runs. A band type of 7 or more
     // is a band switched off.
@@ -53,14 +61,18 @@ public:
         }
     }
 
-    // One sample of each side through its active bands.
+    // `count` (at most kMaxBlock) consecutive samples of each side through its active bands, in
+    // place: interleaved (A, B) pairs on a 16-byte boundary.
     template <class P>
-    P process(P x) {
-        for (int p = 0; p < paired_; ++p) x = band(stages_[p], x);
-        if (paired_ == longest_) return x;
-        const P shorterDone = x;
-        for (int p = paired_; p < longest_; ++p) x = band(stages_[p], x);
-        return longerSide_ == 0 ? P::sides(x, shorterDone) : P::sides(shorterDone, x);
+    void process(double* pairs, int count) {
+        wavefront<P>(pairs, count, 0, kSectionsPerBand * paired_);
+        if (paired_ == longest_) return;
+        std::copy(pairs, pairs + 2 * count, shorterDone_);
+        wavefront<P>(pairs, count, kSectionsPerBand * paired_, kSectionsPerBand * longest_);
+        for (int i = 0; i < count; ++i) {
+            const P longer = P::load(pairs + 2 * i), shorter = P::load(shorterDone_ + 2 * i);
+            (longerSide_ == 0 ? P::sides(longer, shorter) : P::sides(shorter, longer)).store(pairs + 2 * i);
+        }
     }
 
     // All sections at rest (after a pause).
@@ -88,10 +100,19 @@ private:
         return y;
     }
 
+    // Sections first..last − 1 (section k: stage k / 2, pass k % 2) over the block.
     template <class P>
-    static P band(Stage& st, P x) {
-        x = section(st, st.state[0], x);
-        return section(st, st.state[1], x);
+    void wavefront(double* pairs, int count, int first, int last) {
+        const int sections = last - first;
+        for (int t = 0; t < count + sections - 1; ++t) {
+            const int lowest = t < count ? 0 : t - count + 1;
+            const int highest = t < sections ? t : sections - 1;
+            for (int j = lowest; j <= highest; ++j) {
+                Stage& st = stages_[(first + j) / kSectionsPerBand];
+                double* v = pairs + 2 * (t - j);
+                section(st, st.state[(first + j) % kSectionsPerBand], P::load(v)).store(v);
+            }
+        }
     }
 
     static void clearStates(Stage& st) {
@@ -137,6 +158,7 @@ private:
     int longest_ = 0;     // stages where at least one side has a band
     int longerSide_ = 0;  // the side with bands in stages paired_..longest_ − 1
     uint32_t wasActive_ = 0;
+    alignas(16) double shorterDone_[2 * kMaxBlock];  // the shorter side's results, while the longer one goes on
 };
 
 }  // namespace dsp
