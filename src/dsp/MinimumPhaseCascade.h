@@ -65,10 +65,10 @@ public:
     // place: interleaved (A, B) pairs on a 16-byte boundary.
     template <class P>
     void process(double* pairs, int count) {
-        wavefront<P>(pairs, count, 0, kSectionsPerBand * paired_);
+        wavefront<P>(pairs, count, 0, paired_);
         if (paired_ == longest_) return;
         std::copy(pairs, pairs + 2 * count, shorterDone_);
-        wavefront<P>(pairs, count, kSectionsPerBand * paired_, kSectionsPerBand * longest_);
+        wavefront<P>(pairs, count, paired_, longest_);
         for (int i = 0; i < count; ++i) {
             const P longer = P::load(pairs + 2 * i), shorter = P::load(shorterDone_ + 2 * i);
             (longerSide_ == 0 ? P::sides(longer, shorter) : P::sides(shorter, longer)).store(pairs + 2 * i);
@@ -88,10 +88,18 @@ private:
         double state[kSectionsPerBand][kStateCount][kSides];
     };
 
+    // A stage's coefficients, loaded once for both of its sections.
     template <class P>
-    static P section(const Stage& c, double (&s)[kStateCount][kSides], P x) {
+    struct Coefficients {
+        P b0, b1, b2, a1, a2;
+        explicit Coefficients(const Stage& st)
+            : b0(P::load(st.b0)), b1(P::load(st.b1)), b2(P::load(st.b2)), a1(P::load(st.a1)), a2(P::load(st.a2)) {}
+    };
+
+    template <class P>
+    static P section(const Coefficients<P>& c, double (&s)[kStateCount][kSides], P x) {
         const P x1 = P::load(s[kX1]), x2 = P::load(s[kX2]), y1 = P::load(s[kY1]), y2 = P::load(s[kY2]);
-        P y = P::load(c.b0) * x + P::load(c.b1) * x1 + P::load(c.b2) * x2 - P::load(c.a1) * y1 - P::load(c.a2) * y2;
+        P y = c.b0 * x + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
         y = (y + P::splat(1e-30)) - P::splat(1e-30);  // a decaying tail never reaches the denormal range
         x1.store(s[kX2]);
         x.store(s[kX1]);
@@ -100,19 +108,31 @@ private:
         return y;
     }
 
-    // Sections first..last − 1 (section k: stage k / 2, pass k % 2) over the block.
+    // Stages first..last − 1 over the block; section j of the wavefront is pass j % 2 of the
+    // j / 2-th of these stages. Where the whole wavefront fits the block, its middle steps
+    // run every section without bounds checks.
     template <class P>
     void wavefront(double* pairs, int count, int first, int last) {
-        const int sections = last - first;
-        for (int t = 0; t < count + sections - 1; ++t) {
-            const int lowest = t < count ? 0 : t - count + 1;
-            const int highest = t < sections ? t : sections - 1;
-            for (int j = lowest; j <= highest; ++j) {
-                Stage& st = stages_[(first + j) / kSectionsPerBand];
-                double* v = pairs + 2 * (t - j);
-                section(st, st.state[(first + j) % kSectionsPerBand], P::load(v)).store(v);
+        const int sections = kSectionsPerBand * (last - first);
+        if (sections == 0) return;
+        const int fullFrom = sections - 1, fullTo = count;  // steps where every section has a sample
+        auto step = [&](int t, bool checked) {
+            for (int p = first; p < last; ++p) {
+                Stage& st = stages_[p];
+                const Coefficients<P> c(st);
+                const int n = t - kSectionsPerBand * (p - first);  // pass 0's sample, pass 1 on n − 1
+                for (int pass = 0; pass < kSectionsPerBand; ++pass) {
+                    const int i = n - pass;
+                    if (checked && (i < 0 || i >= count)) continue;
+                    double* v = pairs + 2 * i;
+                    section(c, st.state[pass], P::load(v)).store(v);
+                }
             }
-        }
+        };
+        int t = 0;
+        for (; t < fullFrom && t < count + sections - 1; ++t) step(t, true);
+        for (; t < fullTo; ++t) step(t, false);
+        for (; t < count + sections - 1; ++t) step(t, true);
     }
 
     static void clearStates(Stage& st) {
