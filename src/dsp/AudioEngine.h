@@ -20,7 +20,13 @@
 // Routine families. Each path's per-sample loop exists in the plain family (each side with
 // scalar arithmetic) and the SSE2 family (both sides in one register), chosen once at
 // construction and bit-identical in their results (SidePair.h); a block runs one compile-time
-// instance of the loop for its path, family and sample type.
+// instance of the loop for its path, family and sample type. The minimum-phase paths run that
+// loop in stages over stretches of the block, so that the cascade sees many samples at once.
+//
+// Hostile samples. A non-finite input sample enters as silence. A finite one can still
+// overflow a filter state; the value that shows it is kept out of the compensation delay and
+// the path's state is cleared at the end of that block, so the output is always finite and
+// the path is back to normal one block later.
 //
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
