@@ -1,6 +1,12 @@
 #include "dsp/AudioEngine.h"
 
 namespace dsp {
+namespace {
+
+// A gain that is not a finite number is never taken over; the one in use stays.
+double finiteOr(double value, double fallback) { return std::isfinite(value) ? value : fallback; }
+
+}  // namespace
 
 AudioEngine::AudioEngine(PathFamily family, int maxFrameSize, int maxCompensation)
     : family_(family), frame_(pack(4096, 4096)), convolver_(maxFrameSize), delay_(maxCompensation) {
@@ -40,8 +46,10 @@ void AudioEngine::beginBlock(AudioPathKind kind, const AudioBlockSettings& s) {
         gain_.setRate(rate);
         appliedRate_ = rate;
     }
-    gain_.setTarget(gainTarget_.load(std::memory_order_relaxed));
-    if (clear) gain_.jumpToTarget();
+    const double target = finiteOr(gainTarget_.load(std::memory_order_relaxed), gain_.target());
+    gain_.setTarget(target);
+    // Before the first suspend there is no earlier gain: the path starts at the target.
+    if (clear) gain_.jumpTo(finiteOr(gainAtSuspend_.load(std::memory_order_relaxed), target));
 
     const int64_t frame = frame_.load(std::memory_order_relaxed);
     if (frame != appliedFrame_) {

@@ -20,7 +20,13 @@
 // Routine families. Each path's per-sample loop exists in the plain family (each side with
 // scalar arithmetic) and the SSE2 family (both sides in one register), chosen once at
 // construction and bit-identical in their results (SidePair.h); a block runs one compile-time
-// instance of the loop for its path, family and sample type.
+// instance of the loop for its path, family and sample type. The minimum-phase paths run that
+// loop in stages over stretches of the block, so that the cascade sees many samples at once.
+//
+// Hostile samples. A non-finite input sample enters as silence. A finite one can still
+// overflow a filter state; the value that shows it is kept out of the compensation delay and
+// the path's state is cleared at the end of that block, so the output is always finite and
+// the path is back to normal one block later.
 //
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
@@ -28,9 +34,12 @@
 // wait on the audio thread is inside the owner's kernel multiply (PathConvolutionOps), which
 // takes the engine lock. Nothing here allocates after construction.
 
+#include <algorithm>
 #include <atomic>
+#include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "dsp/AuditionFilter.h"
 #include "dsp/CompensationDelay.h"
@@ -85,10 +94,12 @@ public:
     void setFrame(int frameSize, int hop) {
         frame_.store(pack(frameSize, hop), std::memory_order_relaxed);
     }
-    // After a pause: all delay lines and buffers silent, the gain at its target without a
-    // ramp, the peaks cleared (those at once).
+    // After a pause: all delay lines and buffers silent, the gain at the target it has now
+    // without a ramp (a target set after this call ramps from there), the peaks cleared
+    // (those at once).
     void suspend() {
         peaks_.clear();
+        gainAtSuspend_.store(gainTarget_.load(std::memory_order_relaxed), std::memory_order_relaxed);
         clearPending_.store(true, std::memory_order_release);
     }
 
@@ -115,6 +126,8 @@ public:
     const PathConvolver& convolver() const { return convolver_; }
 
 private:
+    // The analyzer's sample: a sum of huge sides can leave the float range.
+    static float finiteFloat(double v) { return static_cast<float>(std::fmin(std::fmax(finiteOrZero(v), -FLT_MAX), FLT_MAX)); }
     static int64_t pack(int n, int hop) { return (static_cast<int64_t>(n) << 32) | static_cast<uint32_t>(hop); }
 
     // Block start: applies what other threads posted and what the settings ask for.
@@ -134,24 +147,60 @@ private:
     void run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
              PathConvolutionOps& ops, Feed& feed);
 
-    // The equalizer at the internal rate, one sample of each side.
-    template <bool Linear, class P>
-    P equalize(P x, PathConvolutionOps& ops) {
-        if constexpr (Linear) {
-            // The convolver returns each side through memory. The two values are kept apart
-            // there, so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte
-            // stores cannot be forwarded from the store buffer and would stall every sample.
-            double sides[3] = {x.a(), 0.0, x.b()};
-            convolver_.process(sides[0], sides[2], ops);
-            return P::make(sides[0], sides[2]);
-        } else {
-            return cascade_.process(x);
+    static constexpr bool isMinimum(AudioPathKind kind) {
+        return kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble;
+    }
+    // Host samples per stage of the minimum-phase paths: the cascade takes its whole stretch
+    // of samples at the internal rate at once.
+    static constexpr int kMinimumStretch = MinimumPhaseCascade::kMaxBlock / 2;
+
+    // The minimum-phase paths' first two stages for host samples start..end − 1: the inputs
+    // encoded (and taken to twice the rate), then the cascade over all of them, into inner_.
+    template <AudioPathKind Kind, class P, typename Sample>
+    void equalizeMinimum(const ChannelBuffers<Sample>& io, int start, int end, const MidSide& ms) {
+        double* v = inner_;
+        for (int i = start; i < end; ++i) {
+            const P x = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
+            if constexpr (Kind == AudioPathKind::MinimumDouble) {
+                P up[2];
+                doubleRate_.up(x, up);
+                up[0].store(v);
+                up[1].store(v + 2);
+                v += 4;
+            } else {
+                x.store(v);
+                v += 2;
+            }
         }
+        cascade_.process<P>(inner_, static_cast<int>(v - inner_) / 2);
+    }
+    // Its last stage's input for host sample i of the stretch that begins at `start`.
+    template <AudioPathKind Kind, class P>
+    P equalizedMinimum(int i, int start) {
+        if constexpr (Kind == AudioPathKind::MinimumDouble) {
+            const double* v = inner_ + 4 * (i - start);
+            const P pair[2] = {P::load(v), P::load(v + 2)};
+            return doubleRate_.down(pair);
+        } else {
+            return P::load(inner_ + 2 * (i - start));
+        }
+    }
+
+    // The linear-phase equalizer at the internal rate, one sample of each side.
+    template <class P>
+    P equalize(P x, PathConvolutionOps& ops) {
+        // The convolver returns each side through memory. The two values are kept apart there,
+        // so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte stores
+        // cannot be forwarded from the store buffer and would stall every sample.
+        double sides[3] = {x.a(), 0.0, x.b()};
+        convolver_.process(sides[0], sides[2], ops);
+        return P::make(sides[0], sides[2]);
     }
 
     const PathFamily family_;
     std::atomic<double> hostRate_{44100.0};
     std::atomic<double> gainTarget_{1.0};
+    std::atomic<double> gainAtSuspend_{std::numeric_limits<double>::quiet_NaN()};  // none yet
     std::atomic<int64_t> frame_;
     std::atomic<bool> clearPending_{true};
     PathPeakHold peaks_;
@@ -169,6 +218,7 @@ private:
     QuarterRateConverter quarterRate_;
     CompensationDelay delay_;
     AuditionFilter audition_;
+    alignas(16) double inner_[2 * MinimumPhaseCascade::kMaxBlock];  // the minimum-phase stretch, (A, B) pairs
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -207,8 +257,6 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
 template <AudioPathKind Kind, class P, typename Sample, class Feed>
 void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
                       PathConvolutionOps& ops, Feed& feed) {
-    constexpr bool kLinear = Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::LinearDouble ||
-                             Kind == AudioPathKind::LinearHalf || Kind == AudioPathKind::LinearQuarter;
     const ListenFactors listen = ListenFactors::forListen(s.listen);
     const P factors = P::make(ms.h * listen.a, ms.h * listen.b);
     const P weights = P::make(s.analyzerWeightA, s.analyzerWeightB);
@@ -216,55 +264,73 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
     const bool feeding = s.feedAnalyzer;
     const bool gainSettled = gain_.settled();
     P peak = P::zero();
+    P health = P::zero();  // stays zero while every sample leaving the equalizer is finite
 
-    for (int i = 0; i < frames; ++i) {
-        const double xL = io.in[0][i];
-        const double xR = io.in[1][i];
-        const double g = gainSettled ? gain_.current() : gain_.next();
-        P x;
+    // The minimum-phase paths run in stages over stretches of the block (equalizeMinimum);
+    // the others take each sample through the whole path.
+    const int stretch = isMinimum(Kind) ? kMinimumStretch : frames;
+    for (int start = 0; start < frames; start += stretch) {
+        const int end = std::min(frames, start + stretch);
+        if constexpr (isMinimum(Kind)) equalizeMinimum<Kind, P>(io, start, end, ms);
+        for (int i = start; i < end; ++i) {
+            // A non-finite input sample never reaches a filter state: it would stay there for good.
+            const double xL = finiteOrZero(io.in[0][i]);
+            const double xR = finiteOrZero(io.in[1][i]);
+            const double g = gainSettled ? gain_.current() : gain_.next();
+            P x;
 
-        if constexpr (Kind == AudioPathKind::Bypass) {
-            x = delay_.process(P::make(xL, xR));
-        } else {
-            x = ms.template encode<P>(xL, xR);
-            if constexpr (Kind == AudioPathKind::LinearUnity || Kind == AudioPathKind::MinimumUnity) {
-                x = equalize<kLinear>(x, ops);
-            } else if constexpr (Kind == AudioPathKind::LinearDouble || Kind == AudioPathKind::MinimumDouble) {
-                P inner[2];
-                doubleRate_.up(x, inner);
-                inner[0] = equalize<kLinear>(inner[0], ops);
-                inner[1] = equalize<kLinear>(inner[1], ops);
-                x = doubleRate_.down(inner);
-            } else if constexpr (Kind == AudioPathKind::LinearHalf) {
-                P inner;
-                if (halfRate_.down(x, inner)) halfRate_.up(equalize<true>(inner, ops));
-                x = halfRate_.template out<P>();
-            } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
-                P inner;
-                if (quarterRate_.down(x, inner)) quarterRate_.up(equalize<true>(inner, ops));
-                x = quarterRate_.template out<P>();
+            if constexpr (Kind == AudioPathKind::Bypass) {
+                x = delay_.process(P::make(xL, xR));
+            } else {
+                if constexpr (isMinimum(Kind)) {
+                    x = equalizedMinimum<Kind, P>(i, start);
+                } else {
+                    x = ms.template encode<P>(xL, xR);
+                }
+                if constexpr (Kind == AudioPathKind::LinearUnity) {
+                    x = equalize(x, ops);
+                } else if constexpr (Kind == AudioPathKind::LinearDouble) {
+                    P inner[2];
+                    doubleRate_.up(x, inner);
+                    inner[0] = equalize(inner[0], ops);
+                    inner[1] = equalize(inner[1], ops);
+                    x = doubleRate_.down(inner);
+                } else if constexpr (Kind == AudioPathKind::LinearHalf) {
+                    P inner;
+                    if (halfRate_.down(x, inner)) halfRate_.up(equalize(inner, ops));
+                    x = halfRate_.template out<P>();
+                } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
+                    P inner;
+                    if (quarterRate_.down(x, inner)) quarterRate_.up(equalize(inner, ops));
+                    x = quarterRate_.template out<P>();
+                }
+                // A finite input can still overflow a state; such a value is caught here, kept out
+                // of the compensation delay, and its path cleared at the end of the block.
+                x = x * (P::splat(g) * factors);
+                health = health + (x - x);
+                x = delay_.process(x.finiteOrZero());
             }
-            x = delay_.process(x * (P::splat(g) * factors));
-        }
 
-        if (!auditioning) {
-            if (feeding) {
-                const P w = weights * x;
-                feed(static_cast<float>(w.a() + w.b()));
+            if (!auditioning) {
+                if (feeding) {
+                    const P w = weights * x;
+                    feed(finiteFloat(w.a() + w.b()));
+                }
+                const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
+                io.out[0][i] = static_cast<Sample>(y.a());
+                io.out[1][i] = static_cast<Sample>(y.b());
+            } else {
+                const double yL = audition_.process<Sample>(0, xL);
+                const double yR = audition_.process<Sample>(1, xR);
+                if (feeding) feed(finiteFloat(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
+                io.out[0][i] = static_cast<Sample>(yL * g);
+                io.out[1][i] = static_cast<Sample>(yR * g);
             }
-            const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
-            io.out[0][i] = static_cast<Sample>(y.a());
-            io.out[1][i] = static_cast<Sample>(y.b());
-        } else {
-            const double yL = audition_.process<Sample>(0, xL);
-            const double yR = audition_.process<Sample>(1, xR);
-            if (feeding) feed(static_cast<float>(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
-            io.out[0][i] = static_cast<Sample>(yL * g);
-            io.out[1][i] = static_cast<Sample>(yR * g);
+            PathPeakHold::trackPair(peak, x);
         }
-        PathPeakHold::trackPair(peak, x);
     }
     peaks_.raise(peak.a(), peak.b());
+    if (!health.bothZero()) clearPath(Kind);
 }
 
 }  // namespace dsp

@@ -13,6 +13,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "dsp/SidePair.h"
+
 namespace dsp {
 
 struct AuditionSection {
@@ -44,7 +46,8 @@ public:
         State& s = state_[channel];
         double y = section_.b0 * x + section_.b1 * s.x1 - section_.a1 * s.y1 - section_.a2 * s.y2;
         if constexpr (sizeof(Sample) == sizeof(float)) y = static_cast<float>(y);
-        y = (y + 1e-30) - 1e-30;
+        // An input large enough to overflow the resonance would otherwise ring as NaN for good.
+        y = finiteOrZero((y + 1e-30) - 1e-30);
         s.x1 = x;
         s.y2 = s.y1;
         s.y1 = y;

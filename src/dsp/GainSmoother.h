@@ -25,6 +25,8 @@ public:
 
     // After a pause the gain starts at its target, without a ramp.
     void jumpToTarget() { gain_ = target_; }
+    // Or at a gain decided earlier (the target when the pause began), ramping from there.
+    void jumpTo(double gain) { gain_ = gain; }
 
     // One step: g += (target − g)·k, kept out of the denormal range as it settles.
     double next() {

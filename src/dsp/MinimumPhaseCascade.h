@@ -14,7 +14,14 @@
 // other, the stages beyond the shorter side's last band still compute both sides (the missing
 // band has zero coefficients), and the shorter side's value from before them is kept: each
 // side goes through exactly its own bands, in order, whatever the family.
+//
+// A block runs as a wavefront: at step t, section j filters sample t − j, the sample section
+// j − 1 finished one step earlier. The sections of one step do not depend on each other, so the
+// processor overlaps them, where one sample taken through all sections would be one long chain
+// of dependent additions. Every section still sees its samples in order and computes exactly
+// what it would one sample at a time.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "dsp/EqTypes.h"
@@ -25,6 +32,7 @@ namespace dsp {
 class MinimumPhaseCascade {
 public:
     static constexpr int kSectionsPerBand = 2;
+    static constexpr int kMaxBlock = 512;  // pairs per process() call
 
     // Bit s set: slot s (bands 1..8 of side A, then of side B) runs. A band type of 7 or more
     // is a band switched off.
@@ -53,14 +61,18 @@ public:
         }
     }
 
-    // One sample of each side through its active bands.
+    // `count` (at most kMaxBlock) consecutive samples of each side through its active bands, in
+    // place: interleaved (A, B) pairs on a 16-byte boundary.
     template <class P>
-    P process(P x) {
-        for (int p = 0; p < paired_; ++p) x = band(stages_[p], x);
-        if (paired_ == longest_) return x;
-        const P shorterDone = x;
-        for (int p = paired_; p < longest_; ++p) x = band(stages_[p], x);
-        return longerSide_ == 0 ? P::sides(x, shorterDone) : P::sides(shorterDone, x);
+    void process(double* pairs, int count) {
+        wavefront<P>(pairs, count, 0, paired_);
+        if (paired_ == longest_) return;
+        std::copy(pairs, pairs + 2 * count, shorterDone_);
+        wavefront<P>(pairs, count, paired_, longest_);
+        for (int i = 0; i < count; ++i) {
+            const P longer = P::load(pairs + 2 * i), shorter = P::load(shorterDone_ + 2 * i);
+            (longerSide_ == 0 ? P::sides(longer, shorter) : P::sides(shorter, longer)).store(pairs + 2 * i);
+        }
     }
 
     // All sections at rest (after a pause).
@@ -76,10 +88,18 @@ private:
         double state[kSectionsPerBand][kStateCount][kSides];
     };
 
+    // A stage's coefficients, loaded once for both of its sections.
     template <class P>
-    static P section(const Stage& c, double (&s)[kStateCount][kSides], P x) {
+    struct Coefficients {
+        P b0, b1, b2, a1, a2;
+        explicit Coefficients(const Stage& st)
+            : b0(P::load(st.b0)), b1(P::load(st.b1)), b2(P::load(st.b2)), a1(P::load(st.a1)), a2(P::load(st.a2)) {}
+    };
+
+    template <class P>
+    static P section(const Coefficients<P>& c, double (&s)[kStateCount][kSides], P x) {
         const P x1 = P::load(s[kX1]), x2 = P::load(s[kX2]), y1 = P::load(s[kY1]), y2 = P::load(s[kY2]);
-        P y = P::load(c.b0) * x + P::load(c.b1) * x1 + P::load(c.b2) * x2 - P::load(c.a1) * y1 - P::load(c.a2) * y2;
+        P y = c.b0 * x + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
         y = (y + P::splat(1e-30)) - P::splat(1e-30);  // a decaying tail never reaches the denormal range
         x1.store(s[kX2]);
         x.store(s[kX1]);
@@ -88,10 +108,31 @@ private:
         return y;
     }
 
+    // Stages first..last − 1 over the block; section j of the wavefront is pass j % 2 of the
+    // j / 2-th of these stages. Where the whole wavefront fits the block, its middle steps
+    // run every section without bounds checks.
     template <class P>
-    static P band(Stage& st, P x) {
-        x = section(st, st.state[0], x);
-        return section(st, st.state[1], x);
+    void wavefront(double* pairs, int count, int first, int last) {
+        const int sections = kSectionsPerBand * (last - first);
+        if (sections == 0) return;
+        const int fullFrom = sections - 1, fullTo = count;  // steps where every section has a sample
+        auto step = [&](int t, bool checked) {
+            for (int p = first; p < last; ++p) {
+                Stage& st = stages_[p];
+                const Coefficients<P> c(st);
+                const int n = t - kSectionsPerBand * (p - first);  // pass 0's sample, pass 1 on n − 1
+                for (int pass = 0; pass < kSectionsPerBand; ++pass) {
+                    const int i = n - pass;
+                    if (checked && (i < 0 || i >= count)) continue;
+                    double* v = pairs + 2 * i;
+                    section(c, st.state[pass], P::load(v)).store(v);
+                }
+            }
+        };
+        int t = 0;
+        for (; t < fullFrom && t < count + sections - 1; ++t) step(t, true);
+        for (; t < fullTo; ++t) step(t, false);
+        for (; t < count + sections - 1; ++t) step(t, true);
     }
 
     static void clearStates(Stage& st) {
@@ -137,6 +178,7 @@ private:
     int longest_ = 0;     // stages where at least one side has a band
     int longerSide_ = 0;  // the side with bands in stages paired_..longest_ − 1
     uint32_t wasActive_ = 0;
+    alignas(16) double shorterDone_[2 * kMaxBlock];  // the shorter side's results, while the longer one goes on
 };
 
 }  // namespace dsp

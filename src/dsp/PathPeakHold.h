@@ -7,16 +7,18 @@
 // overwritten by a stale larger value read before it.
 
 #include <atomic>
+#include <cfloat>
 #include <cmath>
 
 namespace dsp {
 
 class PathPeakHold {
 public:
-    // Audio thread: merges the block's largest magnitudes of sides A and B.
+    // Audio thread: merges the block's largest magnitudes of sides A and B. A magnitude beyond
+    // the float range holds at the largest float rather than at infinity.
     void raise(double blockPeakA, double blockPeakB) {
-        raiseOne(peaks_[0], static_cast<float>(blockPeakA));
-        raiseOne(peaks_[1], static_cast<float>(blockPeakB));
+        raiseOne(peaks_[0], static_cast<float>(std::fmin(blockPeakA, FLT_MAX)));
+        raiseOne(peaks_[1], static_cast<float>(std::fmin(blockPeakB, FLT_MAX)));
     }
 
     // Any thread.

@@ -87,24 +87,36 @@ constexpr auto kQuarterBandPhases = makeQuarterBandPhases();
 static_assert(quarterOffset(0) == 127 && quarterOffset(2) == 125 && quarterOffset(3) == 123);
 static_assert(quarterOffset(kQuarterBandPairs - 1) == 1);
 
+// Σ term(i) for i = 0..Count − 1, in four partial sums (i mod 4) added up at the end: one
+// running sum would make every product wait for the addition before it, four keep the
+// processor's adders busy. The order is fixed, so both families round alike.
+template <class P, int Count, class Term>
+inline P fourWaySum(Term term) {
+    static_assert(Count % 4 == 0);
+    P s0 = P::zero(), s1 = P::zero(), s2 = P::zero(), s3 = P::zero();
+    for (int i = 0; i < Count; i += 4) {
+        s0 = s0 + term(i);
+        s1 = s1 + term(i + 1);
+        s2 = s2 + term(i + 2);
+        s3 = s3 + term(i + 3);
+    }
+    return (s0 + s1) + (s2 + s3);
+}
+
 // The FIR dot product of a symmetric filter, folded: Σ c[i]·(w[lo(i)] + w[last − lo(i)]) over
-// the pairs of window w, added up in tap order.
+// the pairs of window w.
 template <class P, int Pairs, class Low>
 inline P foldedSum(const PairedTaps<Pairs>& c, const double* w, int last, Low lo) {
-    P s = P::zero();
-    for (int i = 0; i < Pairs; ++i) {
+    return fourWaySum<P, Pairs>([&](int i) {
         const int j = lo(i);
-        s = s + P::load(c.at(i)) * (P::load(w + 2 * j) + P::load(w + 2 * (last - j)));
-    }
-    return s;
+        return P::load(c.at(i)) * (P::load(w + 2 * j) + P::load(w + 2 * (last - j)));
+    });
 }
 
 // Σ c[r]·w[last − r]: one polyphase phase of an interpolator.
 template <class P, int Taps>
 inline P reversedSum(const PairedTaps<Taps>& c, const double* w, int last) {
-    P s = P::zero();
-    for (int r = 0; r < Taps; ++r) s = s + P::load(c.at(r)) * P::load(w + 2 * (last - r));
-    return s;
+    return fourWaySum<P, Taps>([&](int r) { return P::load(c.at(r)) * P::load(w + 2 * (last - r)); });
 }
 
 constexpr auto kEvery = [](int i) { return i; };

@@ -13,11 +13,15 @@
 
 #include <emmintrin.h>
 
+#include <cfloat>
 #include <cmath>
 
 #include "platform/CpuFeatures.h"
 
 namespace dsp {
+
+// x itself when finite, else +0: NaN and ±Inf never travel further than where this is applied.
+inline double finiteOrZero(double x) { return std::fabs(x) <= DBL_MAX ? x : 0.0; }
 
 enum class PathFamily { Plain, Sse2 };
 
@@ -55,6 +59,10 @@ struct PlainPair {
     PlainPair crossedBack() const { return {vb, -va}; }
     // Side A from `forA`, side B from `forB`.
     static PlainPair sides(PlainPair forA, PlainPair forB) { return {forA.va, forB.vb}; }
+    // Per side: the value when finite, else +0.
+    PlainPair finiteOrZero() const { return {dsp::finiteOrZero(va), dsp::finiteOrZero(vb)}; }
+    // Whether both sides are exactly zero (of either sign).
+    bool bothZero() const { return va == 0.0 && vb == 0.0; }
 };
 
 struct Sse2Pair {
@@ -78,6 +86,11 @@ struct Sse2Pair {
     Sse2Pair crossed() const { return {_mm_xor_pd(_mm_shuffle_pd(v, v, 1), _mm_set_pd(0.0, -0.0))}; }
     Sse2Pair crossedBack() const { return {_mm_xor_pd(_mm_shuffle_pd(v, v, 1), _mm_set_pd(-0.0, 0.0))}; }
     static Sse2Pair sides(Sse2Pair forA, Sse2Pair forB) { return {_mm_move_sd(forB.v, forA.v)}; }
+    // |x| <= DBL_MAX is false for NaN and ±Inf; the mask keeps the finite lanes.
+    Sse2Pair finiteOrZero() const {
+        return {_mm_and_pd(v, _mm_cmple_pd(abs().v, _mm_set1_pd(DBL_MAX)))};
+    }
+    bool bothZero() const { return _mm_movemask_pd(_mm_cmpeq_pd(v, _mm_setzero_pd())) == 0x3; }
 };
 
 // A table of coefficients stored as pairs (c, c), so that either family loads a coefficient

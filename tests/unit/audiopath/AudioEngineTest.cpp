@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <cstring>
 #include <string>
 
@@ -196,12 +197,60 @@ TEST(AudioEngine, OutputGainStartsAtItsTargetAfterAPauseAndGlidesOtherwise) {
     rig.run(one, one, ol, orr);
     EXPECT_EQ(ol.front(), 2.0);
     EXPECT_EQ(ol.back(), 2.0);
-    rig.engine.setOutputGainTarget(0.5);
-    rig.run(one, one, ol, orr);
     const double k = 1.5 * (1.0 - std::exp(-2.0 * kPi * 30.0 / 44100.0));  // a 30 Hz one-pole's first, largest step
-    ol.insert(ol.begin(), 2.0);
-    for (size_t n = 1; n < ol.size(); ++n) ASSERT_TRUE(ol[n] <= ol[n - 1] && ol[n - 1] - ol[n] <= k + 1e-15) << n;
-    EXPECT_NEAR(ol.back(), 0.5, 1e-3);
+    for (bool afterPause : {false, true}) {  // a target set after a pause glides from the paused gain too
+        SCOPED_TRACE(afterPause ? "after a pause" : "while running");
+        rig.engine.setOutputGainTarget(2.0);
+        rig.engine.suspend();
+        rig.run(one, one, ol, orr);
+        if (afterPause) rig.engine.suspend();
+        rig.engine.setOutputGainTarget(0.5);
+        rig.run(one, one, ol, orr);
+        EXPECT_NEAR(ol.front(), 2.0 - k, 1e-15);
+        ol.insert(ol.begin(), 2.0);
+        for (size_t n = 1; n < ol.size(); ++n) ASSERT_TRUE(ol[n] <= ol[n - 1] && ol[n - 1] - ol[n] <= k + 1e-15) << n;
+        EXPECT_NEAR(ol.back(), 0.5, 1e-3);
+    }
+}
+
+// One hostile sample on side A, in every path and family: nothing non-finite ever leaves the
+// engine (outputs, analyzer, peaks), and once the block after it is over the path has forgotten
+// it: the rest matches a run whose input had a silent sample there instead. The bands boost, so
+// the largest finite input overflows the minimum-phase states.
+TEST(AudioEngine, ANonFiniteOrOverflowingSampleNeverReachesTheOutputAndIsForgottenWithinABlock) {
+    const dsp::BiquadCoefficients boost{1.2, -1.7, 0.72, -1.7, 0.75};  // a stable section, +7 dB at its peak
+    auto reader = [&](int) { return boost; };
+    const double hostile[] = {std::nan(""), HUGE_VAL, -HUGE_VAL, DBL_MAX};
+    for (const PathCase& c : kPaths) {
+        for (PathFamily family : {PathFamily::Plain, PathFamily::Sse2}) {
+            const size_t at = 3000, length = static_cast<size_t>(c.delay) + 3 * 4096 + 8000;
+            const auto l = randomSignal(length, 31), r = randomSignal(length, 32);
+            Rig reference(c.n, c.hop, c.settings.hostRate, family);
+            reference.settings = c.settings;
+            reference.settings.activeSlots = 0x0f0fu;
+            std::vector<double> cleanL = l, refL, refR;
+            cleanL[at] = 0.0;
+            reference.run(cleanL, r, refL, refR, true, reader);
+            for (double bad : hostile) {
+                SCOPED_TRACE(nameOf(c) + " " + dsp::pathFamilyName(family) + " input " + std::to_string(bad));
+                Rig rig(c.n, c.hop, c.settings.hostRate, family);
+                rig.settings = reference.settings;
+                rig.settings.feedAnalyzer = true;
+                std::vector<double> hostileL = l, ol, orr;
+                hostileL[at] = bad;
+                rig.run(hostileL, r, ol, orr, true, reader);
+                for (size_t n = 0; n < length; ++n) ASSERT_TRUE(std::isfinite(ol[n]) && std::isfinite(orr[n])) << n;
+                for (float v : rig.analyzer) ASSERT_TRUE(std::isfinite(v));
+                EXPECT_TRUE(std::isfinite(rig.engine.peaks().a()));
+                // Cleared at the end of the block that showed it; a linear path then needs its
+                // frame and the minimum-phase boost its decay before the two runs meet again.
+                for (size_t n = length - 2000; n < length; ++n) {
+                    ASSERT_NEAR(ol[n], refL[n], 1e-9) << n;
+                    ASSERT_NEAR(orr[n], refR[n], 1e-9) << n;
+                }
+            }
+        }
+    }
 }
 
 TEST(AudioEngine, AuditionReplacesTheOutputsWithTheFilteredInputs) {
