@@ -206,12 +206,18 @@ std::vector<SideEnergies> cascadeWindowEnergies(const dsp::BandModel& m, int win
     dsp::MinimumPhaseCascade cascade;
     cascade.load([&](int slot) { return m.section(slot); }, 0xFFFFu);
     std::vector<SideEnergies> energy(windows, SideEnergies{});
-    for (int n = 0; n < windows * kWindow; ++n) {
-        const double x = n == 0 ? 1.0 : 0.0;
-        const dsp::PlainPair y = cascade.process(dsp::PlainPair::make(x, x));
-        if (!std::isfinite(y.a()) || !std::isfinite(y.b())) return {};
-        energy[n / kWindow][0] += y.a() * y.a();
-        energy[n / kWindow][1] += y.b() * y.b();
+    constexpr int kBlock = dsp::MinimumPhaseCascade::kMaxBlock;
+    alignas(16) double pairs[2 * kBlock];
+    for (int start = 0; start < windows * kWindow; start += kBlock) {
+        std::fill(std::begin(pairs), std::end(pairs), 0.0);
+        if (start == 0) pairs[0] = pairs[1] = 1.0;
+        cascade.process<dsp::PlainPair>(pairs, kBlock);
+        for (int i = 0; i < kBlock; ++i) {
+            const double a = pairs[2 * i], b = pairs[2 * i + 1];
+            if (!std::isfinite(a) || !std::isfinite(b)) return {};
+            energy[(start + i) / kWindow][0] += a * a;
+            energy[(start + i) / kWindow][1] += b * b;
+        }
     }
     return energy;
 }
