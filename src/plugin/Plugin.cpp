@@ -181,7 +181,7 @@ void Plugin::refreshCurves() {
     const bool linPhase = steps[kLinPhase] == 1;
     dsp::KernelCurves measured;
     const dsp::KernelBuild build =
-        kernels.buildKernels(sections, frameSize, designRateHz, linPhase, processLock, engineLock, &measured);
+        kernels.buildKernels(sections, frameSize, designRateHz, linPhase, processLock, &measured);
     if (build == dsp::KernelBuild::Built && linPhase) {
         for (int side = 0; side < dsp::kSides; ++side) bandModel.setTotalCurve(side, measured.side[side]);
     } else {

@@ -161,7 +161,7 @@ private:
     RelaxedAtomic<int> steps[params::kUsedParameters] = {};
     dsp::BandModel bandModel;
     dsp::KernelDesigner kernels;
-    EngineKernelOps kernelOps{kernels, engineLock};
+    EngineKernelOps kernelOps{kernels};
     dsp::AudioEngine engine;
     std::unique_ptr<SPAN> analyzer;
     double designRateHz = 44100.0;
