@@ -34,8 +34,7 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
 
     intRate = kFallbackRate;
     rate = kFallbackRate;
-    frameSize = kMinFrameSize;
-    partition = 2 * kMinFrameSize;
+    frame.store({kMinFrameSize, 2 * kMinFrameSize});
     engine.setHostRate(rate);
     applyFrameToEngine();
     auditionSelector = kChannelLink;
@@ -115,20 +114,24 @@ void Plugin::setBlockSize(VstInt32 size) {
     platform::TimedLock::Guard guard(engineLock);
     if (!guard) return;
     blockSize = size;
-    partition = partitionForBlock(true);
+    const int frameSize = frame.load().frameSize;
+    frame.store({frameSize, partitionForBlock(true, frameSize)});
     applyFrameToEngine();
     suspend();
     updateReportedDelay();
 }
 
 // The engine hops by half the partition, at its internal rate.
-void Plugin::applyFrameToEngine() { engine.setFrame(frameSize, partition / 2); }
+void Plugin::applyFrameToEngine() {
+    const EngineFrame f = frame.load();
+    engine.setFrame(f.frameSize, f.partition / 2);
+}
 
 // The engine's partition length from the host block size: twice the block at ordinary rates,
 // less at high rates where the engine runs decimated, twice that with FAT, never more than
 // twice the frame. setBlockSize counts a rate on a threshold as the lower class, a FAT or
 // Resolution change as the higher one. Never below 2, so that a hop is at least one sample.
-int Plugin::partitionForBlock(bool inclusiveThresholds) const {
+int Plugin::partitionForBlock(bool inclusiveThresholds, int frameSize) const {
     const int b = blockSize > 0 ? blockSize : 1;
     int p;
     if (inclusiveThresholds) p = intRate <= 50000 ? 2 * b : intRate <= 100000 ? b : b / 2;
@@ -143,8 +146,8 @@ void Plugin::reconfigureFrame() {
     if (!guard) return;
     const int resolution = std::max(0, static_cast<int>(steps[kResolution]));
     const int fat = std::max(0, static_cast<int>(steps[kFat]));
-    frameSize = kMinFrameSize << (resolution + fat);
-    partition = partitionForBlock(false);
+    const int frameSize = kMinFrameSize << (resolution + fat);
+    frame.store({frameSize, partitionForBlock(false, frameSize)});
     applyFrameToEngine();
     suspend();
 }
@@ -152,7 +155,7 @@ void Plugin::reconfigureFrame() {
 // A band's sections follow its natural values at once; its curves (and the kernels built from
 // all bands) follow too, except while a preset is being loaded: the load ends with one refresh.
 void Plugin::updateBand(int b) {
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (!design) return;
     bandModel.designBand(b, designRateHz);
     if (b == auditionBand) publishAudition();
@@ -162,7 +165,7 @@ void Plugin::updateBand(int b) {
 // FAT, LinPhase, Resolution, Solo and the sample rate change every band. Called without the
 // engine lock held, so that locks are only ever taken in the order design, process, engine.
 void Plugin::redesignAllBands() {
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (!design) return;
     designRateHz = dsp::designRate(intRate, steps[kFat] == 1, steps[kLinPhase] == 1);
     bandModel.designAllBands(designRateHz);
@@ -181,7 +184,7 @@ void Plugin::refreshCurves() {
     const bool linPhase = steps[kLinPhase] == 1;
     dsp::KernelCurves measured;
     const dsp::KernelBuild build =
-        kernels.buildKernels(sections, frameSize, designRateHz, linPhase, processLock, &measured);
+        kernels.buildKernels(sections, frame.load().frameSize, designRateHz, linPhase, processLock, &measured);
     if (build == dsp::KernelBuild::Built && linPhase) {
         for (int side = 0; side < dsp::kSides; ++side) bandModel.setTotalCurve(side, measured.side[side]);
     } else {
@@ -193,8 +196,40 @@ void Plugin::refreshCurves() {
 // thread other than the audio thread.
 void Plugin::rebuildIfPending() {
     if (!kernels.rebuildPending() || isLoading) return;
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (design) refreshCurves();
+}
+
+// Band settings, FAT, Resolution, LinPhase and Solo change the design; setParameter posts them
+// (DesignHandover.h) and they are applied here by the thread that holds the design lock.
+void Plugin::applyDesignParameter(int index, float value) {
+    int band, side, field;
+    if (bandParameter(index, band, side, field)) {
+        if (applyBandParameter(index, value)) updateBand(band);
+        return;
+    }
+    switch (index) {
+        case kFat: case kResolution:
+            reconfigureFrame();
+            redesignAllBands();
+            break;
+        case kLinPhase: redesignAllBands(); break;
+        case kSolo:
+            bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
+            redesignAllBands();
+            break;
+        default: break;
+    }
+}
+
+// Never waits: the design lock is only tried. A thread that does not get it leaves its posted
+// work to the holder, whose DesignScope runs this again once it has let the lock go.
+void Plugin::runPendingDesign() {
+    while (designWork.pending()) {
+        platform::TimedLock::Guard design(designLock, 0);
+        if (!design) return;
+        designWork.drain([this](int index, float value) { applyDesignParameter(index, value); });
+    }
 }
 
 VstIntPtr Plugin::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
@@ -241,7 +276,8 @@ void Plugin::processDoubleReplacing(double** inputs, double** outputs, VstInt32 
 // Latency
 
 latency::EngineSettings Plugin::latencySettings() const {
-    return {intRate, frameSize, partition, steps[kFat] == 1, steps[kLinPhase] == 1, steps[kPower] == 1};
+    const EngineFrame f = frame.load();
+    return {intRate, f.frameSize, f.partition, steps[kFat] == 1, steps[kLinPhase] == 1, steps[kPower] == 1};
 }
 
 void Plugin::getLatencyInfo(int& reported, int& pathLatency, int& padding) const {
@@ -341,29 +377,15 @@ void Plugin::setParameter(VstInt32 index, float value) {
         values[index] = value;
         int band, side, field;
         if (bandParameter(index, band, side, field)) {
-            // Under the design lock: a rate change on another thread redesigns every band
-            // from these settings.
-            platform::TimedLock::Guard design(designLock);
-            if (applyBandParameter(index, value)) updateBand(band);
+            designWork.post(index, value);
         } else {
             const int previous = steps[index];
             if (const int n = stepCount(index)) steps[index] = quantize(value, n);
             switch (index) {
-                case kFat:
-                    reconfigureFrame();
-                    redesignAllBands();
-                    break;
-                case kLinPhase: redesignAllBands(); break;
-                case kSolo:
-                    bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
-                    redesignAllBands();
-                    break;
+                case kFat: case kLinPhase: case kSolo: designWork.post(index, value); break;
                 case kLrMs: auditionSelector = kChannelLeft; break;
                 case kResolution:
-                    if (steps[kResolution] != previous) {
-                        reconfigureFrame();
-                        redesignAllBands();
-                    }
+                    if (steps[kResolution] != previous) designWork.post(index, value);
                     break;
                 case kOutput:
                     gainTarget = std::pow(10.0, (static_cast<double>(value) - 0.5) * 24.0 / 20.0);
@@ -379,6 +401,7 @@ void Plugin::setParameter(VstInt32 index, float value) {
                 default: break;
             }
         }
+        runPendingDesign();
     }
     if (!isLoading) CPresetSystemEffect::setParameter(index, value);
     if (pluginEditor) pluginEditor->setParameter(index, value);
@@ -454,7 +477,7 @@ void Plugin::setBandFromEditor(int b, BandField field, float value) {
     const int sideIndex[2] = {bandIndex(field, 0, b), bandIndex(field, 1, b)};
     const bool write[2] = {left, right};
     {
-        platform::TimedLock::Guard design(designLock);
+        DesignScope design(*this);
         for (int side = 0; side < 2; ++side) {
             if (!write[side]) continue;
             values[sideIndex[side]] = value;
@@ -475,7 +498,7 @@ void Plugin::selectPreset(int index) {
     CPresetSystemEffect::selectPreset(index);
     // The load designed every band's sections but left curves and kernels for now: once.
     {
-        platform::TimedLock::Guard design(designLock);
+        DesignScope design(*this);
         if (design) refreshCurves();
     }
     if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
@@ -526,7 +549,7 @@ bool Plugin::analyzerFeedActive() const {
 }
 
 void Plugin::setAuditionBand(int band) {
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (!design) return;
     auditionBand = band >= 0 && band < kBands ? band : -1;
     publishAudition();
@@ -534,14 +557,14 @@ void Plugin::setAuditionBand(int band) {
 }
 
 void Plugin::setAuditionWidth(float width) {
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (!design) return;
     auditionWidth = std::clamp(width, 0.0f, 1.0f);
     publishAudition();
 }
 
 void Plugin::setAuditionLevel(float level) {
-    platform::TimedLock::Guard design(designLock);
+    DesignScope design(*this);
     if (!design) return;
     auditionLevel = std::clamp(level, 0.0f, 1.0f);
     publishAudition();

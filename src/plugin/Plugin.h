@@ -13,6 +13,8 @@
 #include "dsp/BandModel.h"
 #include "dsp/KernelDesigner.h"
 #include "platform/TimedLock.h"
+#include "plugin/DesignHandover.h"
+#include "plugin/EngineFrame.h"
 #include "plugin/EngineKernelOps.h"
 #include "plugin/Latency.h"
 #include "plugin/RelaxedAtomic.h"
@@ -118,8 +120,8 @@ public:
         b = analyzerWeights[1];
     }
     int auditionChannel() const { return auditionSelector; }
-    int fftLength() const { return frameSize; }
-    int partitionLength() const { return partition; }
+    int fftLength() const { return frame.load().frameSize; }
+    int partitionLength() const { return frame.load().partition; }
     int integerSampleRate() const { return intRate; }
     int inputChannelCount() const { return inputChannels; }
     // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
@@ -141,7 +143,27 @@ private:
     void redesignAllBands();
     void refreshCurves();
     void rebuildIfPending();
-    int partitionForBlock(bool inclusiveThresholds) const;
+    void applyDesignParameter(int index, float value);
+    void runPendingDesign();
+    // The design lock for a scope; letting it go also does what other threads posted meanwhile.
+    class DesignScope {
+    public:
+        explicit DesignScope(Plugin& p, int waitMs = platform::TimedLock::kDefaultWaitMs)
+            : plugin_(p), owns_(p.designLock.lock(waitMs)) {}
+        ~DesignScope() {
+            if (!owns_) return;
+            plugin_.designLock.unlock();
+            plugin_.runPendingDesign();
+        }
+        DesignScope(const DesignScope&) = delete;
+        DesignScope& operator=(const DesignScope&) = delete;
+        explicit operator bool() const { return owns_; }
+
+    private:
+        Plugin& plugin_;
+        bool owns_;
+    };
+    int partitionForBlock(bool inclusiveThresholds, int frameSize) const;
     bool previewText(int index, float v, char* text);
     latency::EngineSettings latencySettings() const;
     void refreshActiveBands();
@@ -154,6 +176,7 @@ private:
     platform::TimedLock engineLock;
     platform::TimedLock designLock;
     platform::TimedLock processLock;
+    DesignHandover designWork;
 
     // Fields that the audio thread reads at the start of every block are relaxed atomics:
     // parameter, rate and block-size changes arrive on other threads.
@@ -175,8 +198,7 @@ private:
 
     RelaxedAtomic<int> intRate = 44100;
     double rate = 44100.0;
-    RelaxedAtomic<int> frameSize = 4096;
-    RelaxedAtomic<int> partition = 8192;
+    PublishedEngineFrame frame{{4096, 8192}};
     int inputChannels = 2;
     int outputChannels = 2;
     // Set by resume(), read by the audio thread.
