@@ -9,13 +9,8 @@
 #include <memory>
 
 #include "analyzer/SPAN.h"
-#include "dsp/AudioEngine.h"
 #include "dsp/BandModel.h"
-#include "dsp/KernelDesigner.h"
-#include "platform/TimedLock.h"
-#include "plugin/DesignHandover.h"
-#include "plugin/EngineFrame.h"
-#include "plugin/EngineKernelOps.h"
+#include "plugin/EqualizerControl.h"
 #include "plugin/Latency.h"
 #include "plugin/RelaxedAtomic.h"
 #include "presets/CPresetSystemEffect.h"
@@ -23,7 +18,7 @@
 
 class Editor;
 
-class Plugin : public CPresetSystemEffect {
+class Plugin : public CPresetSystemEffect, private EqualizerOwner {
 public:
     static constexpr VstInt32 kUniqueId = fourCharCode('T', 'X', 'v', 'r');
     static constexpr VstInt32 kVersion = 2040;
@@ -109,8 +104,8 @@ public:
     // Derived state, read by the engine, the texts and the tests.
     const dsp::BandSettings& band(int side, int b) const { return bandModel.band(side, b); }
     const dsp::BandModel& bands() const { return bandModel; }
-    double designRate() const { return designRateHz; }
-    const dsp::KernelDesigner& kernelDesigner() const { return kernels; }
+    double designRate() const { return equalizer.designRate(); }
+    const dsp::KernelDesigner& kernelDesigner() const { return equalizer.kernelDesigner(); }
     int step(int index) const { return steps[index]; }
     int channelMode() const { return channel; }
     unsigned soloMask() const { return static_cast<unsigned>(steps[params::kSolo]); }
@@ -120,13 +115,13 @@ public:
         b = analyzerWeights[1];
     }
     int auditionChannel() const { return auditionSelector; }
-    int fftLength() const { return frame.load().frameSize; }
-    int partitionLength() const { return frame.load().partition; }
-    int integerSampleRate() const { return intRate; }
+    int fftLength() const { return equalizer.frame().frameSize; }
+    int partitionLength() const { return equalizer.frame().partition; }
+    int integerSampleRate() const { return equalizer.integerRate(); }
     int inputChannelCount() const { return inputChannels; }
     // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
     uint32_t activeBandMask() const { return activeBands.load(std::memory_order_relaxed); }
-    const dsp::AudioEngine& audioEngine() const { return engine; }
+    const dsp::AudioEngine& audioEngine() const { return equalizer.audioEngine(); }
     Editor* getPluginEditor() const { return pluginEditor; }
 
 private:
@@ -138,56 +133,30 @@ private:
     void applyChannel();
     void writeIntoEveryPreset(int index, float value);
     void applyAnalyzerSetting(int index);
-    void reconfigureFrame();
-    void updateBand(int b);
-    void redesignAllBands();
-    void refreshCurves();
-    void rebuildIfPending();
-    void applyDesignParameter(int index, float value);
-    void runPendingDesign();
-    // The design lock for a scope; letting it go also does what other threads posted meanwhile.
-    class DesignScope {
-    public:
-        explicit DesignScope(Plugin& p, int waitMs = platform::TimedLock::kDefaultWaitMs)
-            : plugin_(p), owns_(p.designLock.lock(waitMs)) {}
-        ~DesignScope() {
-            if (!owns_) return;
-            plugin_.designLock.unlock();
-            plugin_.runPendingDesign();
-        }
-        DesignScope(const DesignScope&) = delete;
-        DesignScope& operator=(const DesignScope&) = delete;
-        explicit operator bool() const { return owns_; }
-
-    private:
-        Plugin& plugin_;
-        bool owns_;
-    };
-    int partitionForBlock(bool inclusiveThresholds, int frameSize) const;
     bool previewText(int index, float v, char* text);
     latency::EngineSettings latencySettings() const;
     void refreshActiveBands();
     void publishAudition();
-    void applyFrameToEngine();
+    // EqualizerOwner.
+    int switchStep(int index) const override;
+    bool presetLoading() const override;
+    bool storeBandParameter(int index, float value) override;
+    void bandsDesigned(int band) override;
+    void engineCleared() override;
+    void hostRateSet(float hostRate) override;
+    void blockSizeSet() override;
+
     template <typename Sample>
     void processBlock(Sample** inputs, Sample** outputs, VstInt32 frames);
     void currentText(int index, char* text);
-
-    platform::TimedLock engineLock;
-    platform::TimedLock designLock;
-    platform::TimedLock processLock;
-    DesignHandover designWork;
 
     // Fields that the audio thread reads at the start of every block are relaxed atomics:
     // parameter, rate and block-size changes arrive on other threads.
     float values[params::kUsedParameters] = {};
     RelaxedAtomic<int> steps[params::kUsedParameters] = {};
     dsp::BandModel bandModel;
-    dsp::KernelDesigner kernels;
-    EngineKernelOps kernelOps{kernels};
-    dsp::AudioEngine engine;
+    EqualizerControl equalizer{*this, bandModel};
     std::unique_ptr<SPAN> analyzer;
-    double designRateHz = 44100.0;
     int channel = params::kChannelLink;
     double gainTarget = 1.0;
     RelaxedAtomic<double> analyzerWeights[2] = {0.5, 0.5};
@@ -196,14 +165,8 @@ private:
     float auditionWidth = 0.5f;
     float auditionLevel = 0.5f;
 
-    RelaxedAtomic<int> intRate = 44100;
-    double rate = 44100.0;
-    PublishedEngineFrame frame{{4096, 8192}};
     int inputChannels = 2;
     int outputChannels = 2;
-    // Set by resume(), read by the audio thread.
-    std::atomic<bool> secondInputConnected{true};
-    std::atomic<bool> secondOutputConnected{true};
     std::atomic<uint32_t> activeBands{0};
 
     RelaxedAtomic<int> latencyMode = 2;
