@@ -46,7 +46,10 @@ namespace {
 std::atomic<pthread_t> watchedThread{};
 std::atomic<bool> watching{false};
 std::atomic<long> watchedAllocations{0};
+}  // namespace
 
+#if TYX_COUNT_ALLOCATIONS
+namespace {
 void noteAllocation() {
     if (watching.load(std::memory_order_relaxed) &&
         pthread_equal(pthread_self(), watchedThread.load(std::memory_order_relaxed)))
@@ -54,7 +57,6 @@ void noteAllocation() {
 }
 }  // namespace
 
-#if TYX_COUNT_ALLOCATIONS
 extern "C" {
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);
