@@ -8,7 +8,7 @@
 //   stalls/automated  busy, and the audio thread also sends one band automation per block, as
 //                 hosts do; the setParameter call counts as part of the block
 // Counters: longest_ms (the figure that matters; a 512-sample block lasts 10.7 ms at 48 kHz),
-// p999_ms, calls, and longest_off_cpu_ms: the most that one call spent not running (waiting for
+// p999_ms, calls, longest_cpu_ms (the most processor time one call took), and longest_off_cpu_ms: the most that one call spent not running (waiting for
 // a lock, or preempted — on a loaded machine the two cannot be told apart, but a lock wait
 // shows as a figure far above the idle run's).
 // TYX_BENCH_PLUGIN names another plug-in file to measure (for example an older build).
@@ -91,7 +91,7 @@ void stalls(benchmark::State& state, bool busy, bool automated) {
     const int gain = plugin->findParameter("FLT2 Gain");
     std::vector<double> callsMs;
     callsMs.reserve(1 << 20);
-    double longestOffCpu = 0.0;
+    double longestOffCpu = 0.0, longestCpu = 0.0;
     for (auto _ : state) {
         std::atomic<bool> stop{false};
         std::thread control;
@@ -107,7 +107,9 @@ void stalls(benchmark::State& state, bool busy, bool automated) {
             else plugin->process(din, dout, frames);
             const double wall = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
             callsMs.push_back(wall);
-            longestOffCpu = std::max(longestOffCpu, wall - (threadCpuMs() - cpuStart));
+            const double cpu = threadCpuMs() - cpuStart;
+            longestCpu = std::max(longestCpu, cpu);
+            longestOffCpu = std::max(longestOffCpu, wall - cpu);
         }
         stop.store(true);
         if (control.joinable()) control.join();
@@ -116,6 +118,7 @@ void stalls(benchmark::State& state, bool busy, bool automated) {
     state.counters["longest_ms"] = callsMs.empty() ? 0.0 : callsMs.back();
     state.counters["p999_ms"] = callsMs.empty() ? 0.0 : callsMs[callsMs.size() * 999 / 1000];
     state.counters["calls"] = static_cast<double>(callsMs.size());
+    state.counters["longest_cpu_ms"] = longestCpu;
     state.counters["longest_off_cpu_ms"] = longestOffCpu;
 }
 

@@ -1,15 +1,10 @@
 #pragma once
 // Parameter changes whose consequences need the design lock (band settings, FAT, Resolution,
-// LinPhase, Solo), handed to whichever thread holds that lock instead of waiting for it.
-//
-// Hosts call setParameter on the audio thread too, while another thread may hold the design
-// lock for long work (a kernel build at the largest frame size, every band of a preset). So a
-// change is first recorded here (its newest value and a pending bit, both atomics), and then
-// the caller tries the lock without waiting: if it gets it, it does the pending work itself;
-// if not, the holder does it before it lets the lock go, and looks again after releasing it,
-// so nothing posted while it held the lock is left behind. The recorded value is only ever
-// the newest one: a change posted twice before anyone drains it is applied once, with its
-// last value, which is the value the parameter has anyway.
+// LinPhase, Solo), recorded so that whichever thread holds that lock can apply them: one
+// queue of these is how the audio thread's automation reaches the design without waiting
+// (EqualizerControl.h has the rule). A change is its newest value and a pending bit, both
+// atomics; a change posted twice before anyone drains it is applied once, with its last
+// value, which is the value the parameter has anyway.
 
 #include <atomic>
 #include <cstdint>

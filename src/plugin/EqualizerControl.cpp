@@ -167,12 +167,28 @@ void EqualizerControl::applyDesignParameter(int index, float value) {
     }
 }
 
-// Never waits: the design lock is only tried. A thread that does not get it leaves its posted
-// work to the holder, whose DesignScope runs this again once it has let the lock go.
-void EqualizerControl::runPendingDesign() {
-    while (designWork.pending()) {
+void EqualizerControl::post(int index, float value) {
+    if (onAudioThread()) {
+        audioWork.post(index, value);
+        runAudioThreadWork();
+    } else {
+        controlWork.post(index, value);
+        DesignScope design(*this);  // its release does the work
+    }
+}
+
+void EqualizerControl::drainPending() {
+    const auto apply = [this](int index, float value) { applyDesignParameter(index, value); };
+    if (!onAudioThread()) controlWork.drain(apply);
+    audioWork.drain(apply);
+}
+
+// Never waits: the design lock is only tried. If another thread holds it, that thread does the
+// audio thread's changes, here again once it has let the lock go.
+void EqualizerControl::runAudioThreadWork() {
+    while (audioWork.pending()) {
         platform::TimedLock::Guard design(designLock, 0);
         if (!design) return;
-        designWork.drain([this](int index, float value) { applyDesignParameter(index, value); });
+        drainPending();
     }
 }

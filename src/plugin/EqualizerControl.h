@@ -5,12 +5,21 @@
 //
 // Threads and locks. The engine lock serializes reconfigurations (rate, block size, frame,
 // suspend); each holds it only for short work. The design lock serializes band designs and
-// kernel builds, the process lock is the kernel designer's own. The audio thread takes none of
-// them: engine settings are posted to it as atomics, kernels are published (KernelSetExchange),
-// and parameter changes that need the design lock are handed to its holder (DesignHandover).
+// kernel builds, the process lock is the kernel designer's own. The audio thread waits for none
+// of them: engine settings are posted to it as atomics, kernels are published
+// (KernelSetExchange), and parameter changes that need the design lock are posted
+// (DesignHandover) and done by whoever holds that lock:
+// - another thread posts and then takes the lock (a bounded wait, as for all its design work);
+//   its DesignScope does everything pending before it lets the lock go;
+// - the audio thread (the thread of the latest process call; hosts automate from it) posts to
+//   its own queue and only tries the lock: if it is free it does its own changes there and then
+//   (a single-threaded host therefore sees every change applied at once), otherwise the holder
+//   does them. It never does work that another thread posted, and a holder looks at the audio
+//   thread's queue again after letting the lock go, so nothing posted meanwhile is left behind.
 // Lock order where they nest: design, process, engine.
 
 #include <atomic>
+#include <thread>
 
 #include "dsp/AudioEngine.h"
 #include "dsp/BandModel.h"
@@ -58,10 +67,7 @@ public:
 
     // ---- Parameter changes (any thread, the audio thread included; never waits) ---------------
     // A band parameter, FAT, Resolution, LinPhase or Solo changed to value.
-    void post(int index, float value) {
-        designWork.post(index, value);
-        runPendingDesign();
-    }
+    void post(int index, float value);
 
     // ---- Under the design lock ----------------------------------------------------------------
     // The design lock for a scope; letting it go also does what other threads posted meanwhile.
@@ -71,8 +77,9 @@ public:
             : control_(c), owns_(c.designLock.lock(waitMs)) {}
         ~DesignScope() {
             if (!owns_) return;
+            control_.drainPending();
             control_.designLock.unlock();
-            control_.runPendingDesign();
+            control_.runAudioThreadWork();
         }
         DesignScope(const DesignScope&) = delete;
         DesignScope& operator=(const DesignScope&) = delete;
@@ -93,6 +100,7 @@ public:
     template <typename Sample, class Reader, class Feed>
     void process(Sample** inputs, Sample** outputs, int frames, const dsp::AudioBlockSettings& s, Reader&& reader,
                  Feed&& feed) {
+        audioThread.store(std::this_thread::get_id(), std::memory_order_relaxed);
         engine.process<Sample>(inputs, outputs, frames, secondInputConnected.load(std::memory_order_relaxed),
                                secondOutputConnected.load(std::memory_order_relaxed), s, reader, kernelOps, feed);
     }
@@ -106,8 +114,14 @@ public:
     const dsp::KernelDesigner& kernelDesigner() const { return kernels; }
 
 private:
+    bool onAudioThread() const {
+        return std::this_thread::get_id() == audioThread.load(std::memory_order_relaxed);
+    }
     void applyDesignParameter(int index, float value);
-    void runPendingDesign();
+    // With the design lock held: the posted changes this thread may do.
+    void drainPending();
+    // Without it: the audio thread's changes, if the lock is free at once.
+    void runAudioThreadWork();
     void reconfigureFrame();
     void applyFrameToEngine();
     int partitionForBlock(bool inclusiveThresholds, int frameSize) const;
@@ -118,7 +132,9 @@ private:
     platform::TimedLock engineLock;
     platform::TimedLock designLock;
     platform::TimedLock processLock;
-    DesignHandover designWork;
+    DesignHandover controlWork;  // posted by other threads
+    DesignHandover audioWork;    // posted by the audio thread
+    std::atomic<std::thread::id> audioThread{};
 
     dsp::KernelDesigner kernels;
     EngineKernelOps kernelOps{kernels};
