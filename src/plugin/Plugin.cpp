@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "dsp/DesignRate.h"
 #include "gui/Editor.h"
 #include "plugin/GlobalSettings.h"
 #include "plugin/ParameterTable.h"
