@@ -121,14 +121,15 @@ enum class Burst { Noise, NaN, Infinity, Denormal, FullScaleDc, Silence, kCount 
 template <typename T>
 struct Buffers {
     std::vector<T> in[2], out[2];
-    Buffers() {
-        for (auto* v : {&in[0], &in[1], &out[0], &out[1]}) v->assign(kLargestBlock, T(0));
-    }
     T* inputs[2];
     T* outputs[2];
-    void bind() {
-        inputs[0] = in[0].data(), inputs[1] = in[1].data();
-        outputs[0] = out[0].data(), outputs[1] = out[1].data();
+    Buffers() {
+        for (int c = 0; c < 2; ++c) {
+            in[c].assign(kLargestBlock, T(0));
+            out[c].assign(kLargestBlock, T(0));
+            inputs[c] = in[c].data();
+            outputs[c] = out[c].data();
+        }
     }
 };
 
@@ -160,8 +161,6 @@ protected:
         plugin->setSampleRate(48000.0f);
         plugin->setBlockSize(kDeclaredMaxBlock);
         plugin->resume();
-        floats.bind();
-        doubles.bind();
     }
 
     // Audio thread: one block of random length, precision and content.
