@@ -47,9 +47,9 @@ public:
     explicit TimedOps(dsp::PathConvolutionOps& inner) : inner_(inner) {}
     void forward(double* frame, int n) override { timed([&] { inner_.forward(frame, n); }); }
     void inverse(double* frame, int n) override { timed([&] { inner_.inverse(frame, n); }); }
-    bool multiplyByKernel(int side, double* frame, int n) override {
+    bool multiplyByKernels(double* a, double* b, int n) override {
         bool ok = false;
-        timed([&] { ok = inner_.multiplyByKernel(side, frame, n); });
+        timed([&] { ok = inner_.multiplyByKernels(a, b, n); });
         return ok;
     }
     Clock::duration spent{};
@@ -100,12 +100,12 @@ void runPath(benchmark::State& state, PathSetup setup, int resolution, PathFamil
     designBusyBands(model, designRate);
     dsp::BiquadCoefficients sections[dsp::kBandSlots];
     for (int slot = 0; slot < dsp::kBandSlots; ++slot) sections[slot] = model.section(slot);
-    platform::TimedLock processLock, engineLock;
+    platform::TimedLock processLock;
     dsp::KernelDesigner kernels(transforms);
-    if (setup.linPhase && kernels.buildKernels(sections, n, designRate, true, processLock, engineLock) !=
+    if (setup.linPhase && kernels.buildKernels(sections, n, designRate, true, processLock) !=
                               dsp::KernelBuild::Built)
         return state.SkipWithError("kernel build failed");
-    EngineKernelOps kernelOps(kernels, engineLock);
+    EngineKernelOps kernelOps(kernels);
     TimedOps ops(kernelOps);
 
     dsp::AudioEngine engine(loops);

@@ -7,8 +7,7 @@
 //   ratio/F/N              our family F against FFTW, timed in alternating batches so that
 //                          both see the same machine load; counters ours_us and fftw_us are the
 //                          fastest batch's time per call, ratio = ours_us / fftw_us.
-//   multiply/F/N           the spectrum multiply, both sides (one interleaved kernel buffer)
-//                          against two single-side multiplies.
+//   multiply/F/N           the spectrum multiply of both sides, as the convolution runs it.
 
 #include <benchmark/benchmark.h>
 #include <fftw3.h>
@@ -117,11 +116,11 @@ void ratio(benchmark::State& state, FftFamily family) {
     state.counters["ratio"] = bestOurs / bestFftw;
 }
 
-void multiply(benchmark::State& state, FftFamily family, bool bothSidesAtOnce) {
+void multiply(benchmark::State& state, FftFamily family) {
     if (!dsp::fftFamilyUsable(family)) return state.SkipWithError("not usable on this processor");
     const int n = static_cast<int>(state.range(0));
     const Fft fft(family);
-    AlignedBuffer a(2 * n), b(2 * n), ka(2 * n), kb(2 * n), kernels(4 * n);
+    AlignedBuffer a(2 * n), b(2 * n), ka(2 * n), kb(2 * n);
     fillSignal(a.data(), 2 * n);
     fillSignal(b.data(), 2 * n);
     for (int j = 0; j < n; ++j) {  // unit gains, so that the frames neither grow nor decay
@@ -129,14 +128,9 @@ void multiply(benchmark::State& state, FftFamily family, bool bothSidesAtOnce) {
         ka[2 * j + 1] = kb[2 * j + 1] = std::sin(0.001 * j);
     }
     ka[1] = kb[1] = 1.0;
-    dsp::interleaveSpectra(ka.data(), kb.data(), kernels.data(), n);
     for (auto _ : state) {
-        if (bothSidesAtOnce) {
-            fft.multiplyBoth(a.data(), b.data(), kernels.data(), n);
-        } else {
-            fft.multiply(a.data(), ka.data(), n);
-            fft.multiply(b.data(), kb.data(), n);
-        }
+        fft.multiply(a.data(), ka.data(), n);
+        fft.multiply(b.data(), kb.data(), n);
         benchmark::ClobberMemory();
     }
 }
@@ -153,10 +147,8 @@ BENCHMARK_CAPTURE(forwardInverse, avx2, FftFamily::Avx2)->Apply(frameSizes);
 BENCHMARK_CAPTURE(ratio, scalar, FftFamily::Scalar)->Apply(frameSizes)->Iterations(15);
 BENCHMARK_CAPTURE(ratio, sse2, FftFamily::Sse2)->Apply(frameSizes)->Iterations(40);
 BENCHMARK_CAPTURE(ratio, avx2, FftFamily::Avx2)->Apply(frameSizes)->Iterations(40);
-BENCHMARK_CAPTURE(multiply, sse2_both, FftFamily::Sse2, true)->Apply(frameSizes);
-BENCHMARK_CAPTURE(multiply, sse2_each, FftFamily::Sse2, false)->Apply(frameSizes);
-BENCHMARK_CAPTURE(multiply, avx2_both, FftFamily::Avx2, true)->Apply(frameSizes);
-BENCHMARK_CAPTURE(multiply, avx2_each, FftFamily::Avx2, false)->Apply(frameSizes);
+BENCHMARK_CAPTURE(multiply, sse2, FftFamily::Sse2)->Apply(frameSizes);
+BENCHMARK_CAPTURE(multiply, avx2, FftFamily::Avx2)->Apply(frameSizes);
 
 }  // namespace
 

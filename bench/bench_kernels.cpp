@@ -6,7 +6,7 @@
 //   transforms/F/N       the six transforms of size N with their scales and multiplies
 //   display/F/N          measuring both sides' curves (two 65536-sample transforms and the
 //                        interpolation of 453 points each)
-// The rest of a build is clearing and copying buffers, the window and the swap.
+// The rest of a build is clearing and copying buffers, the window and the publication.
 
 #include <benchmark/benchmark.h>
 
@@ -43,11 +43,11 @@ void build(benchmark::State& state, FftFamily family, bool curves) {
     if (!dsp::fftFamilyUsable(family)) return state.SkipWithError("not usable on this processor");
     const int n = static_cast<int>(state.range(0));
     const BusyBands bands;
-    platform::TimedLock processLock, engineLock;
+    platform::TimedLock processLock;
     dsp::KernelDesigner designer(family);
     dsp::KernelCurves measured;
     for (auto _ : state) {
-        designer.buildKernels(bands.s, n, 48000.0, true, processLock, engineLock, curves ? &measured : nullptr);
+        designer.buildKernels(bands.s, n, 48000.0, true, processLock, curves ? &measured : nullptr);
         benchmark::ClobberMemory();
     }
 }

@@ -36,13 +36,6 @@ const char* fftFamilyName(FftFamily family) {
     }
 }
 
-void interleaveSpectra(const double* a, const double* b, double* kernels, int n) {
-    for (int e = 0; e < 2 * n; ++e) {
-        kernels[2 * e] = a[e];
-        kernels[2 * e + 1] = b[e];
-    }
-}
-
 Fft::Fft(FftFamily family)
     : family_(fftFamilyUsable(family) ? family : FftFamily::Scalar), routines_(&fftRoutines(family_)) {
     fft::ensureRotationTables();

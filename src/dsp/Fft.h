@@ -8,9 +8,6 @@
 //   scale     entries 0 and 1 by 1/(2N), every other entry by 1/N;
 //   multiply  data ← data · kernel: entries 0 and 1 as two real gains, every further pair as a
 //             complex number;
-//   multiplyBoth  the multiply of two frames (sides A and B) by two kernels kept interleaved
-//             entry by entry in one buffer of 4N doubles (interleaveSpectra()), so that one
-//             pass over one kernel buffer serves both sides; same numbers as two multiplies.
 // So inverse(multiply(forward(x), scale(forward(k)))) is the 2N-point circular convolution of
 // x and k.
 //
@@ -30,12 +27,10 @@ enum class FftFamily { Scalar, Sse2, Avx2 };
 struct FftRoutines {
     using Transform = void (*)(double* buffer);
     using Multiply = void (*)(double* data, const double* kernel);
-    using MultiplyBoth = void (*)(double* a, double* b, const double* kernels);
     Transform forward[kFftSizeCount];
     Transform inverse[kFftSizeCount];
     Transform scale[kFftSizeCount];
     Multiply multiply[kFftSizeCount];
-    MultiplyBoth multiplyBoth[kFftSizeCount];
 };
 
 const FftRoutines& fftRoutines(FftFamily family);
@@ -65,17 +60,10 @@ public:
     void multiply(double* data, const double* kernel, int n) const {
         if (const int i = fftSizeIndex(n); i >= 0) routines_->multiply[i](data, kernel);
     }
-    void multiplyBoth(double* a, double* b, const double* kernels, int n) const {
-        if (const int i = fftSizeIndex(n); i >= 0) routines_->multiplyBoth[i](a, b, kernels);
-    }
 
 private:
     FftFamily family_;
     const FftRoutines* routines_;
 };
-
-// kernels[2e] = a[e], kernels[2e + 1] = b[e] for the 2N entries e: the layout multiplyBoth
-// reads. Not for the audio thread's hot path (it is a plain loop over any N).
-void interleaveSpectra(const double* a, const double* b, double* kernels, int n);
 
 }  // namespace dsp

@@ -33,17 +33,6 @@ struct Avx2Pair {
         const C re = _mm256_unpacklo_pd(b, b), im = _mm256_unpackhi_pd(b, b);
         return _mm256_add_pd(_mm256_mul_pd(a, re), _mm256_xor_pd(_mm256_mul_pd(swap(a), im), signLow()));
     }
-    // Bins j and j + 1 of both sides: k holds (kAr, kBr, kAi, kBi) of bin j, then of j + 1.
-    static TYX_FFT_INLINE void mulBoth(double* a, double* b, const double* k) {
-        const C va = load(a), vb = load(b);
-        const C re = _mm256_unpacklo_pd(va, vb), im = _mm256_unpackhi_pd(va, vb);
-        const C k0 = load(k), k1 = load(k + 4);
-        const C kre = _mm256_permute2f128_pd(k0, k1, 0x20), kim = _mm256_permute2f128_pd(k0, k1, 0x31);
-        const C outRe = _mm256_sub_pd(_mm256_mul_pd(re, kre), _mm256_mul_pd(im, kim));
-        const C outIm = _mm256_add_pd(_mm256_mul_pd(im, kre), _mm256_mul_pd(re, kim));
-        store(a, _mm256_unpacklo_pd(outRe, outIm));
-        store(b, _mm256_unpackhi_pd(outRe, outIm));
-    }
     static TYX_FFT_INLINE C rotate(C z, const double* w) {
         return _mm256_add_pd(_mm256_mul_pd(z, _mm256_load_pd(w)), _mm256_mul_pd(swap(z), _mm256_load_pd(w + 4)));
     }

@@ -23,17 +23,12 @@ struct FamilyRoutines {
     static void scale(double* x) { P::template scaleSpectrum<N>(x); }
     template <int N>
     static void multiply(double* data, const double* kernel) { P::template multiplySpectrum<N>(data, kernel); }
-    template <int N>
-    static void multiplyBoth(double* a, double* b, const double* kernels) {
-        P::template multiplyBothSpectra<N>(a, b, kernels);
-    }
 
     static constexpr FftRoutines kTable = {
         {forward<4096>, forward<8192>, forward<16384>, forward<32768>},
         {inverse<4096>, inverse<8192>, inverse<16384>, inverse<32768>},
         {scale<4096>, scale<8192>, scale<16384>, scale<32768>},
         {multiply<4096>, multiply<8192>, multiply<16384>, multiply<32768>},
-        {multiplyBoth<4096>, multiplyBoth<8192>, multiplyBoth<16384>, multiplyBoth<32768>},
     };
 };
 

@@ -27,12 +27,6 @@ struct ScalarLane : StageLoops<ScalarLane, ScalarLane> {
     static TYX_FFT_INLINE C timesI(C a) { return {-a.im, a.re}; }
     // a·b for two values.
     static TYX_FFT_INLINE C mul(C a, C b) { return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im}; }
-    // One bin of both sides: a ← a·kA, b ← b·kB with k = (kAr, kBr, kAi, kBi).
-    static TYX_FFT_INLINE void mulBoth(double* a, double* b, const double* k) {
-        const C x = mul(load(a), {k[0], k[2]}), y = mul(load(b), {k[1], k[3]});
-        store(a, x);
-        store(b, y);
-    }
     // z·w and z·conj(w) with w from a complex table: (wr, wr) at w[0..1], (−wi, wi) at w[4..5].
     static TYX_FFT_INLINE C rotate(C z, const double* w) {
         return {z.re * w[0] + z.im * w[4], z.im * w[1] + z.re * w[5]};

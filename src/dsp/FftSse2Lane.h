@@ -33,16 +33,6 @@ struct Sse2LaneOps {
         const C re = _mm_unpacklo_pd(b, b), im = _mm_unpackhi_pd(b, b);
         return _mm_add_pd(_mm_mul_pd(a, re), _mm_xor_pd(_mm_mul_pd(swap(a), im), signLow()));
     }
-    // One bin of both sides: a ← a·kA, b ← b·kB with k = (kAr, kBr, kAi, kBi).
-    static TYX_FFT_INLINE void mulBoth(double* a, double* b, const double* k) {
-        const C va = _mm_load_pd(a), vb = _mm_load_pd(b);
-        const C re = _mm_unpacklo_pd(va, vb), im = _mm_unpackhi_pd(va, vb);
-        const C kre = _mm_load_pd(k), kim = _mm_load_pd(k + 2);
-        const C outRe = _mm_sub_pd(_mm_mul_pd(re, kre), _mm_mul_pd(im, kim));
-        const C outIm = _mm_add_pd(_mm_mul_pd(im, kre), _mm_mul_pd(re, kim));
-        _mm_store_pd(a, _mm_unpacklo_pd(outRe, outIm));
-        _mm_store_pd(b, _mm_unpackhi_pd(outRe, outIm));
-    }
     // z·w = z∘(wr, wr) + swap(z)∘(−wi, wi); z·conj(w) the same with a subtraction.
     static TYX_FFT_INLINE C rotate(C z, const double* w) {
         return _mm_add_pd(_mm_mul_pd(z, _mm_load_pd(w)), _mm_mul_pd(swap(z), _mm_load_pd(w + 4)));

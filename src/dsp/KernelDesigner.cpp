@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace dsp {
 namespace {
@@ -31,24 +30,14 @@ inline double runSection(const BiquadCoefficients& c, SectionState& s, double x)
 
 KernelDesigner::KernelDesigner(FftFamily family)
     : fft_(family),
-      keepsInterleaved_(fft_.family() != FftFamily::Scalar),
+      sets_(kMaxFrameSize),
       work_(2 * kMaxFrameSize),
       window_(kMaxFrameSize / 2),
-      displayScratch_(KernelDisplay::kScratchDoubles) {
-    for (int side = 0; side < kSides; ++side) {
-        for (AlignedBuffer& buffer : kernels_[side]) buffer = AlignedBuffer(2 * kMaxFrameSize);
-        active_[side] = kernels_[side][0].data();
-        spare_[side] = kernels_[side][1].data();
-    }
-    if (keepsInterleaved_)
-        for (AlignedBuffer& buffer : interleaved_) buffer = AlignedBuffer(4 * kMaxFrameSize);
-    activeInterleaved_ = interleaved_[0].data();
-    spareInterleaved_ = interleaved_[1].data();
-}
+      displayScratch_(KernelDisplay::kScratchDoubles) {}
 
 KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize,
                                          double designRate, bool linPhase, platform::TimedLock& processLock,
-                                         platform::TimedLock& engineLock, KernelCurves* curves, int lockWaitMs) {
+                                         KernelCurves* curves, int lockWaitMs) {
     if (fftSizeIndex(frameSize) < 0) return KernelBuild::Refused;
 
     platform::TimedLock::Guard process(processLock, lockWaitMs);
@@ -60,50 +49,41 @@ KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kB
     pending_.store(false, std::memory_order_release);
 
     const bool measure = linPhase && curves != nullptr;
-    buildSpares(sections, frameSize, designRate, linPhase, measure);
-    {
-        platform::TimedLock::Guard engine(engineLock, lockWaitMs);
-        if (!engine) {
-            // The spares are written but stay spares: the audio path keeps the old pair.
-            pending_.store(true, std::memory_order_release);
-            return KernelBuild::Skipped;
-        }
-        for (int side = 0; side < kSides; ++side) std::swap(active_[side], spare_[side]);
-        std::swap(activeInterleaved_, spareInterleaved_);
-        activeFrameSize_ = frameSize;
-    }
+    buildInto(sets_.back(), sections, frameSize, designRate, linPhase, measure);
+    sets_.publish();
     if (measure) *curves = measured_;
     return linPhase ? KernelBuild::Built : KernelBuild::Cleared;
 }
 
-void KernelDesigner::buildSpares(const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate,
-                                 bool linPhase, bool measureCurves) {
+void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n,
+                               double designRate, bool linPhase, bool measureCurves) {
     const size_t entries = 2 * static_cast<size_t>(n);
-    for (int side = 0; side < kSides; ++side) std::fill(spare_[side], spare_[side] + entries, 0.0);
+    double* kernel[kSides] = {set.spectrum(0), set.spectrum(1)};
+    for (double* k : kernel) std::fill(k, k + entries, 0.0);
+    set.setFrameSize(n);
 
     if (linPhase) {
         // Side A's reversed response goes straight into the work buffer; side B's is copied
         // there once side A is done with it.
         std::fill(work_.data(), work_.data() + entries, 0.0);
         const int half = n / 2;
-        cascadeImpulseResponses(sections, half, spare_[0], spare_[1], work_.data());
-        autocorrelate(spare_[0], n);
+        cascadeImpulseResponses(sections, half, kernel[0], kernel[1], work_.data());
+        autocorrelate(kernel[0], n);
 
         std::fill(work_.data(), work_.data() + entries, 0.0);
-        for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = spare_[1][2 * k];
-        autocorrelate(spare_[1], n);
+        for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = kernel[1][2 * k];
+        autocorrelate(kernel[1], n);
 
         useWindowFor(n);
-        for (int side = 0; side < kSides; ++side) applyWindow(spare_[side], n);
+        for (double* k : kernel) applyWindow(k, n);
         if (measureCurves)
             for (int side = 0; side < kSides; ++side)
-                display_.measure(spare_[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
-        for (int side = 0; side < kSides; ++side) {
-            fft_.forward(spare_[side], n);
-            fft_.scale(spare_[side], n);
+                display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
+        for (double* k : kernel) {
+            fft_.forward(k, n);
+            fft_.scale(k, n);
         }
     }
-    if (keepsInterleaved_) interleaveSpectra(spare_[0], spare_[1], spareInterleaved_, n);
 }
 
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
@@ -152,20 +132,11 @@ void KernelDesigner::useWindowFor(int n) {
     windowSize_ = n;
 }
 
-bool KernelDesigner::multiplyByActiveKernel(int side, double* frame, int frameSize) const {
-    if (frameSize != activeFrameSize_ || side < 0 || side >= kSides) return false;
-    fft_.multiply(frame, active_[side], frameSize);
-    return true;
-}
-
-bool KernelDesigner::multiplyBothSides(double* frameA, double* frameB, int frameSize) const {
-    if (frameSize != activeFrameSize_) return false;
-    if (keepsInterleaved_) {
-        fft_.multiplyBoth(frameA, frameB, activeInterleaved_, frameSize);
-    } else {
-        fft_.multiply(frameA, active_[0], frameSize);
-        fft_.multiply(frameB, active_[1], frameSize);
-    }
+bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameSize) {
+    const KernelSet& set = sets_.acquire();
+    if (set.frameSize() != frameSize) return false;
+    fft_.multiply(frameA, set.spectrum(0), frameSize);
+    fft_.multiply(frameB, set.spectrum(1), frameSize);
     return true;
 }
 

@@ -13,20 +13,17 @@
 // scaled once more (its "kernel spectrum"), so that the audio path's convolution of a frame
 // is forward, multiply, inverse.
 //
-// Buffers (allocated once, for the largest N; nothing is allocated by a build): two kernel
-// buffers per side, of which one is active (the audio path multiplies with it) and the other
-// the spare that the next build writes; for the SIMD families also the two sides'
-// spectra interleaved entry by entry (4N doubles, double-buffered the same way), which
-// multiplyBoth() reads; the work buffer; the Hamming half window (recomputed when N changes);
-// the 65536-double scratch of the display transform.
+// Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
+// sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
+// one the audio thread holds; the work buffer; the Hamming half window (recomputed when N
+// changes); the 65536-double scratch of the display transform.
 //
-// Threads and locks. buildKernels() takes the owner's process lock for the whole build (two
-// builds never overlap, and the spares, work buffers, window and scratch are only touched
-// under it) and the owner's engine lock only to make the spares active. The audio path
-// multiplies under the engine lock. So a block is never convolved with a half-written or
-// half-swapped pair. A wait that runs out skips the build without touching anything the
-// lock guards and leaves rebuildPending() set: the owner repeats the build at its next
-// chance.
+// Threads. buildKernels() takes the owner's process lock for the whole build: two builds
+// never overlap, and the sets, work buffers, window and scratch that a build touches are only
+// touched under it. A finished set is published without a lock; the audio thread picks the
+// newest one at its next hop and never waits for a build. A process-lock wait that runs out
+// skips the build without touching anything and leaves rebuildPending() set: the owner repeats
+// the build at its next chance.
 
 #include <atomic>
 
@@ -34,6 +31,7 @@
 #include "dsp/EqTypes.h"
 #include "dsp/Fft.h"
 #include "dsp/KernelDisplay.h"
+#include "dsp/KernelSetExchange.h"
 #include "platform/TimedLock.h"
 
 namespace dsp {
@@ -54,7 +52,7 @@ enum class KernelBuild {
     Built,    // new kernels are active; with LinPhase on, the curves were measured
     Cleared,  // LinPhase off: cleared kernels are active; no curves (the totals are the sums
               // of the band curves)
-    Skipped,  // a lock wait ran out: nothing changed; rebuildPending() is set
+    Skipped,  // the process-lock wait ran out: nothing changed; rebuildPending() is set
     Refused,  // the frame size is not one of the four: nothing changed
 };
 
@@ -70,55 +68,46 @@ public:
 
     // Builds both sides' kernels from the sections (slots 0..7 side A, 8..15 side B, band 1
     // first), for frame size N (4096, 8192, 16384 or 32768; any other N builds nothing) at
-    // designRate, and makes them active. `curves`, when given, receives the measured totals
-    // (only when the result is Built with linPhase on). lockWaitMs bounds each lock wait.
+    // designRate, and publishes them. `curves`, when given, receives the measured totals
+    // (only when the result is Built with linPhase on). lockWaitMs bounds the process-lock wait.
     KernelBuild buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize, double designRate,
-                             bool linPhase, platform::TimedLock& processLock, platform::TimedLock& engineLock,
-                             KernelCurves* curves = nullptr, int lockWaitMs = platform::TimedLock::kDefaultWaitMs);
+                             bool linPhase, platform::TimedLock& processLock, KernelCurves* curves = nullptr,
+                             int lockWaitMs = platform::TimedLock::kDefaultWaitMs);
 
     // A build was skipped and no build has started since (a build clears the flag when it
     // gets the process lock: it reflects everything the owner changed before calling it).
     bool rebuildPending() const { return pending_.load(std::memory_order_acquire); }
 
-    // ---- The audio path's side. Call with the engine lock held. -----------------------------
-    // frame ← frame · active kernel spectrum of the side. False (frame untouched) when no
-    // kernel of this frame size is active: right after construction, or for the block or two
-    // that may still run at the previous N after a reconfiguration.
-    bool multiplyByActiveKernel(int side, double* frame, int frameSize) const;
-    // Both sides in one pass (the interleaved spectra where the family keeps them).
-    bool multiplyBothSides(double* frameA, double* frameB, int frameSize) const;
-    int activeFrameSize() const { return activeFrameSize_; }
-    // The active kernel spectrum of a side (2N doubles, packed spectrum).
-    const double* activeKernel(int side) const { return active_[side]; }
+    // Frame size of the newest published kernels (any thread; 0 before the first build).
+    int activeFrameSize() const { return sets_.newestFrameSize(); }
+
+    // ---- The audio thread's side -------------------------------------------------------------
+    // Takes the newest published set (once per hop) and multiplies each side's frame by that
+    // side's spectrum. False (frames untouched) when that set is not of this frame size: before
+    // the first build, or for the blocks that still run at the previous N after a
+    // reconfiguration, until the kernels for the new N are published.
+    bool multiplyByNewest(double* frameA, double* frameB, int frameSize);
+    // The newest complete set, held until the next call (the reader's side of the exchange).
+    const KernelSet& acquireNewest() { return sets_.acquire(); }
 
     const Fft& fft() const { return fft_; }
 
 private:
-    void buildSpares(const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate, bool linPhase,
-                     bool measureCurves);
+    void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate,
+                   bool linPhase, bool measureCurves);
     void autocorrelate(double* kernel, int n);
     void applyWindow(double* kernel, int n);
     void useWindowFor(int n);
 
     Fft fft_;
-    bool keepsInterleaved_;
     KernelDisplay display_;
 
-    AlignedBuffer kernels_[kSides][2];
-    AlignedBuffer interleaved_[2];
+    KernelSetExchange sets_;
     AlignedBuffer work_;
     AlignedBuffer window_;
     AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for
     KernelCurves measured_{};
-
-    // Swapped under the engine lock (and the process lock); the spare of a side is always the
-    // buffer that is not active.
-    double* active_[kSides];
-    double* spare_[kSides];
-    double* activeInterleaved_;
-    double* spareInterleaved_;
-    int activeFrameSize_ = 0;
 
     std::atomic<bool> pending_{false};
 };

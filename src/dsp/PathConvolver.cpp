@@ -45,19 +45,21 @@ void PathConvolver::clear() {
 
 void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
     const int entries = 2 * n_;
-    for (int side = 0; side < 2; ++side) {
-        double* frame = frame_[side].get();
-        std::fill(frame + fill_, frame + entries, 0.0);
-        ops.forward(frame, n_);
-        if (!ops.multiplyByKernel(side, frame, n_)) {
-            // Without the kernel the block cannot be filtered; it contributes silence rather
-            // than an unfiltered (and unscaled) spectrum.
-            std::fill(frame, frame + entries, 0.0);
-            ++silenced_;
-        } else {
-            ops.inverse(frame, n_);
-        }
+    double* frame[2] = {frame_[0].get(), frame_[1].get()};
+    for (double* f : frame) {
+        std::fill(f + fill_, f + entries, 0.0);
+        ops.forward(f, n_);
+    }
+    if (ops.multiplyByKernels(frame[0], frame[1], n_)) {
+        for (double* f : frame) ops.inverse(f, n_);
+    } else {
+        // Without kernels of this size the block cannot be filtered; it contributes silence
+        // rather than an unfiltered (and unscaled) spectrum.
+        for (double* f : frame) std::fill(f, f + entries, 0.0);
+        ++silenced_;
+    }
 
+    for (int side = 0; side < 2; ++side) {
         double* overlap = overlap_[side].data();
         double* output = output_[side].data();
         for (int t = 0; t < hop_; ++t) output[t] = frameSample(side, t) + overlap[t];

@@ -13,7 +13,7 @@
 // block's last input sample, so the path delays by hop + N/2 − 1 samples.
 //
 // Buffers are allocated once, for the largest frame; process() allocates nothing, does no I/O
-// and waits only inside the owner's kernel multiply (the engine lock).
+// and never waits: the owner's multiply reads the newest kernels published to it.
 
 #include <cstdlib>
 #include <memory>
@@ -21,9 +21,9 @@
 
 namespace dsp {
 
-// What the convolver needs from its owner: the transforms and the multiply by the active
-// kernel spectrum. Each call names the frame size N the convolver is running with, which may
-// for one block still be the previous one after a reconfiguration.
+// What the convolver needs from its owner: the transforms and the multiply by the kernel
+// spectra. Each call names the frame size N the convolver is running with, which may for a
+// block or two still be the previous one after a reconfiguration.
 class PathConvolutionOps {
 public:
     virtual ~PathConvolutionOps() = default;
@@ -31,10 +31,10 @@ public:
     virtual void forward(double* frame, int frameSize) = 0;
     // Packed spectrum → half-interleaved time signal, in place.
     virtual void inverse(double* frame, int frameSize) = 0;
-    // frame ← frame · (side's active kernel spectrum), holding the engine lock. False when the
-    // lock could not be had or the active kernel is not of this frame size; the block is then
-    // silenced.
-    virtual bool multiplyByKernel(int side, double* frame, int frameSize) = 0;
+    // Each side's frame ← frame · that side's kernel spectrum, both from the newest complete
+    // kernel set, taken once per hop. Never waits. False (frames untouched) when that set is
+    // not of this frame size: the hop then contributes silence, and the path keeps its delay.
+    virtual bool multiplyByKernels(double* frameA, double* frameB, int frameSize) = 0;
 };
 
 class PathConvolver {

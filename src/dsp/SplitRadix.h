@@ -317,18 +317,6 @@ struct StageLoops {
         P::store(data + 2, P::mul(P::load(data + 2), P::load(kernel + 2)));
         for (int j = 2; j < M; j += W::kWidth) W::store(data + 2 * j, W::mul(W::load(data + 2 * j), W::load(kernel + 2 * j)));
     }
-
-    // Both sides at once, with the two kernels interleaved entry by entry (kA[0], kB[0],
-    // kA[1], kB[1], ...): the same products as multiplySpectrum() on each side.
-    template <int M>
-    static void multiplyBothSpectra(double* a, double* b, const double* kernels) {
-        a[0] *= kernels[0];
-        a[1] *= kernels[2];
-        b[0] *= kernels[1];
-        b[1] *= kernels[3];
-        P::mulBoth(a + 2, b + 2, kernels + 4);
-        for (int j = 2; j < M; j += W::kWidth) W::mulBoth(a + 2 * j, b + 2 * j, kernels + 4 * j);
-    }
 };
 
 }  // namespace dsp::fft

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "dsp/DesignRate.h"
 #include "gui/Editor.h"
 #include "plugin/AnalyzerSettings.h"
 #include "plugin/GlobalSettings.h"
@@ -13,18 +12,7 @@
 
 using namespace params;
 
-namespace {
-
-constexpr int kMinFrameSize = 4096;
-constexpr int kMinRate = 5000;
-constexpr int kMaxRate = 200000;
-constexpr int kFallbackRate = 44100;
-
-}  // namespace
-
 Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaster) {
-    platform::TimedLock::Guard constructing(engineLock);
-
     cEffect.version = kVersion;
     setNumInputs(2);
     setNumOutputs(2);
@@ -33,23 +21,15 @@ Plugin::Plugin(audioMasterCallback audioMaster) : CPresetSystemEffect(audioMaste
     canProcessReplacing(true);
     canDoubleReplacing(true);
 
-    intRate = kFallbackRate;
-    rate = kFallbackRate;
-    frameSize = kMinFrameSize;
-    partition = 2 * kMinFrameSize;
-    engine.setHostRate(rate);
-    applyFrameToEngine();
-
     analyzer.reset(new (std::nothrow) SPAN());
     if (analyzer) {
-        analyzer->setSampleRate(static_cast<float>(intRate));
+        analyzer->setSampleRate(static_cast<float>(equalizer.integerRate()));
         analyzer->reset();
     }
 
     refreshActiveBands();
-    designRateHz = dsp::designRate(intRate, false, true);
-    redesignAllBands();
-    engine.setOutputGainTarget(outputGainFactor(parameters.value(kOutput)));
+    equalizer.redesignAllBands();
+    equalizer.audioEngine().setOutputGainTarget(outputGainFactor(parameters.value(kOutput)));
     suspend();
 
     loadGlobalSettings();
@@ -66,130 +46,47 @@ Plugin::~Plugin() = default;  // the base class deletes the editor
 // ---------------------------------------------------------------------------------------------
 // Host boundary
 
-void Plugin::suspend() {
-    platform::TimedLock::Guard guard(engineLock);
-    if (!guard) return;
-    // Silence in every delay line and buffer, the gain at its target, the peaks cleared.
-    engine.suspend();
-    if (analyzer) analyzer->reset();
-}
+void Plugin::suspend() { equalizer.suspend(); }
 
-void Plugin::resume() {
-    secondInputConnected.store(isInputConnected(1), std::memory_order_relaxed);
-    secondOutputConnected.store(isOutputConnected(1), std::memory_order_relaxed);
-    rebuildIfPending();
-}
+void Plugin::resume() { equalizer.resume(isInputConnected(1), isOutputConnected(1)); }
 
 void Plugin::setSampleRate(float hostRate) {
-    bool changed = false;
-    {
-        platform::TimedLock::Guard guard(engineLock);
-        if (!guard) return;
-        sampleRate = hostRate;
-        // Guarded so that NaN or values beyond int never reach the conversion.
-        const int newRate =
-            (hostRate >= kMinRate && hostRate < kMaxRate + 1) ? static_cast<int>(hostRate) : kFallbackRate;
-        changed = newRate != intRate;
-        if (changed) {
-            intRate = newRate;
-            rate = newRate;
-            engine.setHostRate(rate);
-        }
-        updateReportedDelay();
-        // The analyzer gets the host's own rate: at a rate it has no tables for it goes quiet.
-        if (analyzer) analyzer->setSampleRate(hostRate);
-    }
-    if (changed) redesignAllBands();
+    sampleRate = hostRate;
+    equalizer.setSampleRate(hostRate);
 }
 
 void Plugin::setBlockSize(VstInt32 size) {
-    platform::TimedLock::Guard guard(engineLock);
-    if (!guard) return;
     blockSize = size;
-    partition = partitionForBlock(true);
-    applyFrameToEngine();
-    suspend();
+    equalizer.setBlockSize(size);
+}
+
+// ---- What the equalizer asks of the plug-in ---------------------------------------------------
+
+int Plugin::switchStep(int index) const { return steps[index]; }
+
+bool Plugin::presetLoading() const { return static_cast<bool>(isLoading); }
+
+bool Plugin::storeBandParameter(int index, float value) { return applyBandParameter(index, value); }
+
+// The auditioned band's section follows the band.
+void Plugin::bandsDesigned(int band) {
+    if (auditionBand >= 0 && (band < 0 || band == auditionBand)) publishAudition();
+}
+
+void Plugin::engineCleared() {
+    if (analyzer) analyzer->reset();
+}
+
+void Plugin::hostRateSet(float hostRate) {
     updateReportedDelay();
+    // The analyzer gets the host's own rate: at a rate it has no tables for it goes quiet.
+    if (analyzer) analyzer->setSampleRate(hostRate);
 }
 
-// The engine hops by half the partition, at its internal rate.
-void Plugin::applyFrameToEngine() { engine.setFrame(frameSize, partition / 2); }
-
-// The engine's partition length from the host block size: twice the block at ordinary rates,
-// less at high rates where the engine runs decimated, twice that with FAT, never more than
-// twice the frame. setBlockSize counts a rate on a threshold as the lower class, a FAT or
-// Resolution change as the higher one. Never below 2, so that a hop is at least one sample.
-int Plugin::partitionForBlock(bool inclusiveThresholds) const {
-    const int b = blockSize > 0 ? blockSize : 1;
-    int p;
-    if (inclusiveThresholds) p = intRate <= 50000 ? 2 * b : intRate <= 100000 ? b : b / 2;
-    else p = intRate < 50000 ? 2 * b : intRate < 100000 ? b : b / 2;
-    if (steps[kFat] == 1) p *= 2;
-    if (p > 2 * frameSize) p = 2 * frameSize;
-    return p < 2 ? 2 : p;
-}
-
-void Plugin::reconfigureFrame() {
-    platform::TimedLock::Guard guard(engineLock);
-    if (!guard) return;
-    const int resolution = std::max(0, static_cast<int>(steps[kResolution]));
-    const int fat = std::max(0, static_cast<int>(steps[kFat]));
-    frameSize = kMinFrameSize << (resolution + fat);
-    partition = partitionForBlock(false);
-    applyFrameToEngine();
-    suspend();
-}
-
-// A band's sections follow its natural values at once; its curves (and the kernels built from
-// all bands) follow too, except while a preset is being loaded: the load ends with one refresh.
-void Plugin::updateBand(int b) {
-    platform::TimedLock::Guard design(designLock);
-    if (!design) return;
-    bandModel.designBand(b, designRateHz);
-    if (b == auditionBand) publishAudition();
-    if (!isLoading) refreshCurves();
-}
-
-// FAT, LinPhase, Resolution, Solo and the sample rate change every band. Called without the
-// engine lock held, so that locks are only ever taken in the order design, process, engine.
-void Plugin::redesignAllBands() {
-    platform::TimedLock::Guard design(designLock);
-    if (!design) return;
-    designRateHz = dsp::designRate(intRate, steps[kFat] == 1, steps[kLinPhase] == 1);
-    bandModel.designAllBands(designRateHz);
-    if (auditionBand >= 0) publishAudition();
-    if (!isLoading) refreshCurves();
-}
-
-// The caller holds the design lock, which serializes everything that writes the curves. With
-// LinPhase on the total curves are measured from the new kernels, so that the plot shows what
-// the audio path applies; with it off they are the sums of the band curves, and the kernels
-// are cleared.
-void Plugin::refreshCurves() {
-    bandModel.computeBandCurves();
-    dsp::BiquadCoefficients sections[dsp::kBandSlots];
-    for (int slot = 0; slot < dsp::kBandSlots; ++slot) sections[slot] = bandModel.section(slot);
-    const bool linPhase = steps[kLinPhase] == 1;
-    dsp::KernelCurves measured;
-    const dsp::KernelBuild build =
-        kernels.buildKernels(sections, frameSize, designRateHz, linPhase, processLock, engineLock, &measured);
-    if (build == dsp::KernelBuild::Built && linPhase) {
-        for (int side = 0; side < dsp::kSides; ++side) bandModel.setTotalCurve(side, measured.side[side]);
-    } else {
-        bandModel.computeTotalCurves();
-    }
-}
-
-// A kernel build whose lock wait ran out is repeated at the next chance the host gives on a
-// thread other than the audio thread.
-void Plugin::rebuildIfPending() {
-    if (!kernels.rebuildPending() || isLoading) return;
-    platform::TimedLock::Guard design(designLock);
-    if (design) refreshCurves();
-}
+void Plugin::blockSizeSet() { updateReportedDelay(); }
 
 VstIntPtr Plugin::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
-    if (opcode == effEditIdle) rebuildIfPending();
+    if (opcode == effEditIdle) equalizer.rebuildIfPending();
     return CPresetSystemEffect::dispatcher(opcode, index, value, ptr, opt);
 }
 
@@ -203,7 +100,7 @@ void Plugin::processBlock(Sample** inputs, Sample** outputs, VstInt32 frames) {
     s.power = steps[kPower] == 1;
     s.linPhase = steps[kLinPhase] == 1;
     s.fat = steps[kFat] == 1;
-    s.hostRate = intRate;
+    s.hostRate = equalizer.integerRate();
     s.midSide = steps[kLrMs] == 1;
     const int listen = steps[kListen];
     s.listen = listen >= 0 && listen <= 2 ? listen : 0;
@@ -213,10 +110,8 @@ void Plugin::processBlock(Sample** inputs, Sample** outputs, VstInt32 frames) {
     s.feedAnalyzer = analyzerFeedActive();
     s.activeSlots = activeBands.load(std::memory_order_relaxed);
     SPAN* span = analyzer.get();
-    engine.process<Sample>(
-        inputs, outputs, frames, secondInputConnected.load(std::memory_order_relaxed),
-        secondOutputConnected.load(std::memory_order_relaxed), s,
-        [this](int slot) { return bandModel.readPublished(slot); }, kernelOps,
+    equalizer.process<Sample>(
+        inputs, outputs, frames, s, [this](int slot) { return bandModel.readPublished(slot); },
         [span](float x) { span->processSample(x); });
 }
 
@@ -232,7 +127,9 @@ void Plugin::processDoubleReplacing(double** inputs, double** outputs, VstInt32 
 // Latency
 
 latency::EngineSettings Plugin::latencySettings() const {
-    return {intRate, frameSize, partition, steps[kFat] == 1, steps[kLinPhase] == 1, steps[kPower] == 1};
+    const EngineFrame f = equalizer.frame();
+    return {equalizer.integerRate(), f.frameSize, f.partition, steps[kFat] == 1, steps[kLinPhase] == 1,
+            steps[kPower] == 1};
 }
 
 void Plugin::getLatencyInfo(int& reported, int& pathLatency, int& padding) const {
@@ -302,10 +199,7 @@ void Plugin::setParameter(VstInt32 index, float received) {
         parameters.setValue(index, value);
         int band, side, field;
         if (bandParameter(index, band, side, field)) {
-            // Under the design lock: a rate change on another thread redesigns every band
-            // from these settings.
-            platform::TimedLock::Guard design(designLock);
-            if (applyBandParameter(index, value)) updateBand(band);
+            equalizer.post(index, value);
         } else {
             applySetting(index, value);
         }
@@ -319,23 +213,12 @@ void Plugin::applySetting(int index, float value) {
     const int previous = steps[index];
     parameters.setStepFrom(index, value);
     switch (index) {
-        case kFat:
-            reconfigureFrame();
-            redesignAllBands();
-            break;
-        case kLinPhase: redesignAllBands(); break;
-        case kSolo:
-            bandModel.setSoloMask(static_cast<uint32_t>(steps[kSolo]) & 0xFFu);
-            redesignAllBands();
-            break;
+        case kFat: case kLinPhase: case kSolo: equalizer.post(index, value); break;
         case kLrMs: link.midSideChanged(); break;
         case kResolution:
-            if (steps[kResolution] != previous) {
-                reconfigureFrame();
-                redesignAllBands();
-            }
+            if (steps[kResolution] != previous) equalizer.post(index, value);
             break;
-        case kOutput: engine.setOutputGainTarget(outputGainFactor(value)); break;
+        case kOutput: equalizer.audioEngine().setOutputGainTarget(outputGainFactor(value)); break;
         case kChannel: link.setChannel(steps[kChannel], steps[kLrMs] == 1); break;
         case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
         case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
@@ -396,7 +279,7 @@ void Plugin::setBandFromEditor(int b, int field, float received) {
     const float value = *admittedValue;
     const bool mono = inputChannels == 1;
     {
-        platform::TimedLock::Guard design(designLock);
+        EqualizerControl::DesignScope design(equalizer);
         for (int side = 0; side < 2; ++side) {
             if (!link.edits(side, mono)) continue;
             const int index = bandIndex(field, side, b);
@@ -407,7 +290,7 @@ void Plugin::setBandFromEditor(int b, int field, float received) {
                 storeBandValue(side, b, field, value);
             CPresetSystemEffect::setParameter(index, value);
         }
-        updateBand(b);
+        equalizer.updateBand(b);
     }
     // The host hears of it outside our locks.
     for (int side = 0; side < 2; ++side)
@@ -418,8 +301,8 @@ void Plugin::selectPreset(int index) {
     CPresetSystemEffect::selectPreset(index);
     // The load designed every band's sections but left curves and kernels for now: once.
     {
-        platform::TimedLock::Guard design(designLock);
-        if (design) refreshCurves();
+        EqualizerControl::DesignScope design(equalizer);
+        if (design) equalizer.refreshCurves();
     }
     if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
     if (pluginEditor) pluginEditor->takePlotRange();
@@ -454,7 +337,7 @@ bool Plugin::analyzerFeedActive() const {
 }
 
 void Plugin::setAuditionBand(int band) {
-    platform::TimedLock::Guard design(designLock);
+    EqualizerControl::DesignScope design(equalizer);
     if (!design) return;
     audition.setBand(band);
     publishAudition();
@@ -462,14 +345,14 @@ void Plugin::setAuditionBand(int band) {
 }
 
 void Plugin::setAuditionWidth(float width) {
-    platform::TimedLock::Guard design(designLock);
+    EqualizerControl::DesignScope design(equalizer);
     if (!design) return;
     audition.setWidth(width);
     publishAudition();
 }
 
 void Plugin::setAuditionLevel(float level) {
-    platform::TimedLock::Guard design(designLock);
+    EqualizerControl::DesignScope design(equalizer);
     if (!design) return;
     audition.setLevel(level);
     publishAudition();
@@ -479,16 +362,17 @@ void Plugin::setAuditionLevel(float level) {
 // the host rate. The caller holds the design lock, which keeps the hand-over to one writer.
 void Plugin::publishAudition() {
     const int b = audition.band();
-    engine.audition().publish(b < 0 ? dsp::AuditionSection::off()
-                                    : audition.section(bandModel.band(link.auditionSide(), b).frequency, intRate));
+    equalizer.audioEngine().audition().publish(
+        b < 0 ? dsp::AuditionSection::off()
+              : audition.section(bandModel.band(link.auditionSide(), b).frequency, equalizer.integerRate()));
 }
 
 void Plugin::getOutputPeaks(float& a, float& b) const {
-    a = engine.peaks().a();
-    b = engine.peaks().b();
+    a = equalizer.audioEngine().peaks().a();
+    b = equalizer.audioEngine().peaks().b();
 }
 
-void Plugin::resetOutputPeaks() { engine.peaks().clear(); }
+void Plugin::resetOutputPeaks() { equalizer.audioEngine().peaks().clear(); }
 
 // The minimum-phase path runs only the bands whose type is one of the seven shapes.
 void Plugin::refreshActiveBands() {

@@ -9,12 +9,9 @@
 #include <memory>
 
 #include "analyzer/SPAN.h"
-#include "dsp/AudioEngine.h"
 #include "dsp/BandModel.h"
-#include "dsp/KernelDesigner.h"
-#include "platform/TimedLock.h"
-#include "plugin/EngineKernelOps.h"
 #include "plugin/BandAudition.h"
+#include "plugin/EqualizerControl.h"
 #include "plugin/Latency.h"
 #include "plugin/ParameterState.h"
 #include "plugin/RelaxedAtomic.h"
@@ -24,7 +21,7 @@
 
 class Editor;
 
-class Plugin : public CPresetSystemEffect {
+class Plugin : public CPresetSystemEffect, private EqualizerOwner {
 public:
     static constexpr VstInt32 kUniqueId = fourCharCode('T', 'X', 'v', 'r');
     static constexpr VstInt32 kVersion = 2040;
@@ -103,11 +100,11 @@ public:
     const dsp::Curve& getBandCurves(int side, int b) const { return bandModel.bandCurve(side, b); }
 
     // The engine's frame as the current rate, block size, FAT and Resolution set it.
-    double designRate() const { return designRateHz; }
-    const dsp::KernelDesigner& kernelDesigner() const { return kernels; }
-    int fftLength() const { return frameSize; }
-    int partitionLength() const { return partition; }
-    int integerSampleRate() const { return intRate; }
+    double designRate() const { return equalizer.designRate(); }
+    const dsp::KernelDesigner& kernelDesigner() const { return equalizer.kernelDesigner(); }
+    int fftLength() const { return equalizer.frame().frameSize; }
+    int partitionLength() const { return equalizer.frame().partition; }
+    int integerSampleRate() const { return equalizer.integerRate(); }
     Editor* getPluginEditor() const { return pluginEditor; }
 
 private:
@@ -119,51 +116,36 @@ private:
     void storeBandValue(int side, int b, int field, float value);
     void setBandFromEditor(int band, int field, float value);
     void writeIntoEveryPreset(int index, float value);
-    void reconfigureFrame();
-    void updateBand(int b);
-    void redesignAllBands();
-    void refreshCurves();
-    void rebuildIfPending();
-    int partitionForBlock(bool inclusiveThresholds) const;
     bool previewText(int index, float v, char* text);
     latency::EngineSettings latencySettings() const;
     void refreshActiveBands();
     void publishAudition();
-    void applyFrameToEngine();
+    // EqualizerOwner.
+    int switchStep(int index) const override;
+    bool presetLoading() const override;
+    bool storeBandParameter(int index, float value) override;
+    void bandsDesigned(int band) override;
+    void engineCleared() override;
+    void hostRateSet(float hostRate) override;
+    void blockSizeSet() override;
     template <typename Sample>
     void processBlock(Sample** inputs, Sample** outputs, VstInt32 frames);
     void currentText(int index, char* text);
 
-    platform::TimedLock engineLock;
-    platform::TimedLock designLock;
-    platform::TimedLock processLock;
-
     ParameterState parameters;
     SideLink link;
     BandAudition audition;
-    // Read-only views of the objects above, under the names the engine control reads them by.
+    // Read-only views of the objects above, under the names the plug-in reads them by.
     const ParameterState::Steps& steps = parameters.steps();
     const RelaxedAtomic<int>& auditionBand = audition.band();
     const SideLink::Weights& analyzerWeights = link.analyzerWeights();
 
     dsp::BandModel bandModel;
-    dsp::KernelDesigner kernels;
-    EngineKernelOps kernelOps{kernels, engineLock};
-    dsp::AudioEngine engine;
+    EqualizerControl equalizer{*this, bandModel};
     std::unique_ptr<SPAN> analyzer;
-    double designRateHz = 44100.0;
 
-    // Fields that the audio thread reads at the start of every block are relaxed atomics:
-    // rate and block-size changes arrive on other threads.
-    RelaxedAtomic<int> intRate = 44100;
-    double rate = 44100.0;
-    RelaxedAtomic<int> frameSize = 4096;
-    RelaxedAtomic<int> partition = 8192;
     int inputChannels = 2;
     int outputChannels = 2;
-    // Set by resume(), read by the audio thread.
-    std::atomic<bool> secondInputConnected{true};
-    std::atomic<bool> secondOutputConnected{true};
     // Bit s set: band slot s (bands 1..8 of side A, then of side B) is switched on.
     std::atomic<uint32_t> activeBands{0};
 

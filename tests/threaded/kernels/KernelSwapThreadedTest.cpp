@@ -1,6 +1,7 @@
-// Kernel builds on parameter threads while the audio thread multiplies with the active kernel
-// under the engine lock: the audio thread must only ever see a whole kernel pair, and a build
-// whose lock wait runs out must leave everything as it was. Run under ThreadSanitizer.
+// Kernel builds on parameter threads while the audio thread multiplies with the newest
+// published kernels, without a lock: the audio thread must only ever see a whole kernel set,
+// never one being rewritten while it holds it, and a build whose lock wait runs out must leave
+// everything as it was. Run under ThreadSanitizer.
 
 #include <gtest/gtest.h>
 
@@ -43,12 +44,12 @@ struct Expected {
     std::vector<double> a, b;
 };
 Expected expectedProduct(const BandSet& set, int n) {
-    platform::TimedLock process, engine;
+    platform::TimedLock process;
     KernelDesigner d;
-    EXPECT_EQ(d.buildKernels(set.s, n, 44100.0, true, process, engine), KernelBuild::Built);
+    EXPECT_EQ(d.buildKernels(set.s, n, 44100.0, true, process), KernelBuild::Built);
     AlignedBuffer a(2 * n), b(2 * n);
     fillProbe(a.data(), b.data(), n);
-    EXPECT_TRUE(d.multiplyBothSides(a.data(), b.data(), n));
+    EXPECT_TRUE(d.multiplyByNewest(a.data(), b.data(), n));
     return {std::vector<double>(a.data(), a.data() + 2 * n), std::vector<double>(b.data(), b.data() + 2 * n)};
 }
 
@@ -58,24 +59,24 @@ bool same(const double* got, const std::vector<double>& want) {
 
 class KernelSwapThreaded : public ::testing::Test {
 protected:
-    platform::TimedLock processLock, engineLock;
+    platform::TimedLock processLock;
     KernelDesigner designer;
 };
 
 // Two parameter threads rebuild with band sets A and B in turn; the audio thread multiplies a
-// probe with the active pair, both sides per engine-lock hold, and finds exactly A's or B's
-// product on both sides every time.
-TEST_F(KernelSwapThreaded, AudioThreadOnlyEverSeesAWholeKernelPair) {
+// probe with the newest set, both sides at once, and finds exactly A's or B's product on both
+// sides every time.
+TEST_F(KernelSwapThreaded, AudioThreadOnlyEverSeesAWholeKernelSet) {
     const BandSet setA(400, 9), setB(3000, -7);
     const Expected wantA = expectedProduct(setA, kN), wantB = expectedProduct(setB, kN);
-    ASSERT_EQ(designer.buildKernels(setA.s, kN, 44100.0, true, processLock, engineLock), KernelBuild::Built);
+    ASSERT_EQ(designer.buildKernels(setA.s, kN, 44100.0, true, processLock), KernelBuild::Built);
 
     std::atomic<int> buildersRunning{2};
     const auto builder = [&](bool startWithB) {
         dsp::KernelCurves curves;
         for (int i = 0; i < 24; ++i) {
             const BandSet& set = ((i % 2 == 0) == startWithB) ? setB : setA;
-            EXPECT_EQ(designer.buildKernels(set.s, kN, 44100.0, true, processLock, engineLock, &curves), KernelBuild::Built);
+            EXPECT_EQ(designer.buildKernels(set.s, kN, 44100.0, true, processLock, &curves), KernelBuild::Built);
         }
         buildersRunning.fetch_sub(1);
     };
@@ -85,17 +86,7 @@ TEST_F(KernelSwapThreaded, AudioThreadOnlyEverSeesAWholeKernelPair) {
         AlignedBuffer a(2 * kN), b(2 * kN);
         while (buildersRunning.load() > 0 || multiplies < 8) {
             fillProbe(a.data(), b.data(), kN);
-            {
-                platform::TimedLock::Guard engine(engineLock);
-                ASSERT_TRUE(engine.owns());
-                // Alternate the two ways the audio path can multiply.
-                if (multiplies % 2 == 0) {
-                    ASSERT_TRUE(designer.multiplyBothSides(a.data(), b.data(), kN));
-                } else {
-                    ASSERT_TRUE(designer.multiplyByActiveKernel(0, a.data(), kN));
-                    ASSERT_TRUE(designer.multiplyByActiveKernel(1, b.data(), kN));
-                }
-            }
+            ASSERT_TRUE(designer.multiplyByNewest(a.data(), b.data(), kN));
             ++multiplies;
             if (same(a.data(), wantA.a) && same(b.data(), wantA.b)) {
                 ++seenA;
@@ -123,7 +114,7 @@ TEST_F(KernelSwapThreaded, FrameSizeSwitchesNeverMixSizes) {
     std::atomic<bool> building{true};
     std::thread builder([&] {
         for (int i = 0; i < 16; ++i)
-            EXPECT_EQ(designer.buildKernels(set.s, i % 2 ? 2 * kN : kN, 44100.0, true, processLock, engineLock),
+            EXPECT_EQ(designer.buildKernels(set.s, i % 2 ? 2 * kN : kN, 44100.0, true, processLock),
                       KernelBuild::Built);
         building.store(false);
     });
@@ -131,13 +122,7 @@ TEST_F(KernelSwapThreaded, FrameSizeSwitchesNeverMixSizes) {
     int refused = 0, matched = 0;
     do {
         fillProbe(a.data(), b.data(), kN);
-        bool multiplied;
-        {
-            platform::TimedLock::Guard engine(engineLock);
-            ASSERT_TRUE(engine.owns());
-            multiplied = designer.multiplyBothSides(a.data(), b.data(), kN);
-        }
-        if (!multiplied) {
+        if (!designer.multiplyByNewest(a.data(), b.data(), kN)) {
             ++refused;
             continue;
         }
@@ -149,42 +134,52 @@ TEST_F(KernelSwapThreaded, FrameSizeSwitchesNeverMixSizes) {
     EXPECT_EQ(designer.activeFrameSize(), 2 * kN);
 }
 
-// A build whose lock wait runs out, on the process lock (another build holds it) or on the
-// engine lock for the swap (the audio thread is stuck in a multiply), is skipped without a trace
+// The set the audio thread holds stays as it was however many builds are published meanwhile;
+// its next acquire then gets the newest.
+TEST_F(KernelSwapThreaded, AHeldSetIsNeverRewritten) {
+    const BandSet held(250, 8), later(5000, -3);
+    ASSERT_EQ(designer.buildKernels(held.s, kN, 44100.0, true, processLock), KernelBuild::Built);
+    const dsp::KernelSet& set = designer.acquireNewest();
+    const std::vector<double> before(set.spectrum(0), set.spectrum(0) + 2 * kN);
+    std::thread builder([&] {
+        for (int i = 0; i < 12; ++i)
+            EXPECT_EQ(designer.buildKernels((i % 3 ? held : later).s, i % 2 ? 2 * kN : kN, 44100.0, true, processLock),
+                      KernelBuild::Built);
+    });
+    builder.join();
+    EXPECT_TRUE(same(set.spectrum(0), before));
+    EXPECT_EQ(set.frameSize(), kN);
+    EXPECT_EQ(designer.acquireNewest().frameSize(), 2 * kN);  // build 11 was the last
+}
+
+// A build whose process-lock wait runs out (another build holds it) is skipped without a trace
 // and asks to be redone; the next build that gets through clears the request.
-TEST_F(KernelSwapThreaded, LockTimeoutsSkipTheBuildAndKeepTheActivePair) {
+TEST_F(KernelSwapThreaded, LockTimeoutSkipsTheBuildAndKeepsTheNewestSet) {
     const BandSet before(500, 4), after(1500, -4);
     const Expected wantBefore = expectedProduct(before, kN);
-    ASSERT_EQ(designer.buildKernels(before.s, kN, 44100.0, true, processLock, engineLock), KernelBuild::Built);
-    for (platform::TimedLock* held : {&processLock, &engineLock}) {
-        std::promise<void> taken, release;
-        std::thread holder([&] {
-            platform::TimedLock::Guard guard(*held);
-            taken.set_value();
-            release.get_future().wait();
-        });
-        taken.get_future().wait();
-        dsp::KernelCurves curves;
-        curves.side[0][0] = curves.side[1][0] = -7.0f;
-        EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock, &curves, 20),
-                  KernelBuild::Skipped);
-        EXPECT_TRUE(designer.rebuildPending());
-        EXPECT_EQ(designer.activeFrameSize(), kN);
-        EXPECT_EQ(curves.side[0][0], -7.0f);
-        release.set_value();
-        holder.join();
-
-        AlignedBuffer a(2 * kN), b(2 * kN);
-        fillProbe(a.data(), b.data(), kN);
-        {
-            platform::TimedLock::Guard engine(engineLock);
-            ASSERT_TRUE(designer.multiplyBothSides(a.data(), b.data(), kN));
-        }
-        EXPECT_TRUE(same(a.data(), wantBefore.a) && same(b.data(), wantBefore.b));
-    }
+    ASSERT_EQ(designer.buildKernels(before.s, kN, 44100.0, true, processLock), KernelBuild::Built);
+    std::promise<void> taken, release;
+    std::thread holder([&] {
+        platform::TimedLock::Guard guard(processLock);
+        taken.set_value();
+        release.get_future().wait();
+    });
+    taken.get_future().wait();
     dsp::KernelCurves curves;
-    curves.side[0][0] = -7.0f;
-    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, engineLock, &curves), KernelBuild::Built);
+    curves.side[0][0] = curves.side[1][0] = -7.0f;
+    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, &curves, 20), KernelBuild::Skipped);
+    EXPECT_TRUE(designer.rebuildPending());
+    EXPECT_EQ(designer.activeFrameSize(), kN);
+    EXPECT_EQ(curves.side[0][0], -7.0f);
+    release.set_value();
+    holder.join();
+
+    AlignedBuffer a(2 * kN), b(2 * kN);
+    fillProbe(a.data(), b.data(), kN);
+    ASSERT_TRUE(designer.multiplyByNewest(a.data(), b.data(), kN));
+    EXPECT_TRUE(same(a.data(), wantBefore.a) && same(b.data(), wantBefore.b));
+
+    EXPECT_EQ(designer.buildKernels(after.s, 2 * kN, 44100.0, true, processLock, &curves), KernelBuild::Built);
     EXPECT_FALSE(designer.rebuildPending());
     EXPECT_EQ(designer.activeFrameSize(), 2 * kN);
     EXPECT_NE(curves.side[0][0], -7.0f);

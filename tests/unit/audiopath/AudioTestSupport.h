@@ -56,19 +56,24 @@ public:
     explicit DirectConvolution(int n) : n_(n) { taps_[0] = taps_[1] = {{n / 2, 1.0}}; }
     void forward(double*, int) override {}
     void inverse(double*, int) override {}
-    bool multiplyByKernel(int side, double* frame, int frameSize) override {
+    bool multiplyByKernels(double* frameA, double* frameB, int frameSize) override {
         if (failNext || frameSize != n_) return failNext = false;
+        convolve(0, frameA);
+        convolve(1, frameB);
+        return true;
+    }
+    bool failNext = false;
+
+private:
+    void convolve(int side, double* frame) const {
         const size_t size = 2 * n_;
         auto at = [&](size_t t) -> double& { return t < size_t(n_) ? frame[2 * t] : frame[2 * (t - n_) + 1]; };
         std::vector<double> y(size, 0.0);
         for (size_t t = 0; t < size; ++t)
             for (const auto& [k, g] : taps_[side]) y[(t + k) % size] += at(t) * g;
         for (size_t t = 0; t < size; ++t) at(t) = y[t];
-        return true;
     }
-    bool failNext = false;
 
-private:
     int n_;
     std::vector<std::pair<size_t, double>> taps_[2];
 };

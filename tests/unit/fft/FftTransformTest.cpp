@@ -108,20 +108,6 @@ TEST_P(FftAtSize, ProductOfSpectraIsCircularConvolution) {
     EXPECT_LE(error.value(), kMaxRelativeRms);
 }
 
-TEST_P(FftAtSize, MultiplyBothGivesTheTwoMultiplies) {
-    const std::vector<double> a = randomSignal(2 * n(), 17), b = randomSignal(2 * n(), 18);
-    const std::vector<double> ka = randomSignal(2 * n(), 19), kb = randomSignal(2 * n(), 20);
-    AlignedBuffer a1(2 * n()), b1(2 * n()), a2(2 * n()), b2(2 * n()), kA(2 * n()), kB(2 * n()), both(4 * n());
-    for (int e = 0; e < 2 * n(); ++e) a1[e] = a2[e] = a[e], b1[e] = b2[e] = b[e], kA[e] = ka[e], kB[e] = kb[e];
-    dsp::interleaveSpectra(kA.data(), kB.data(), both.data(), n());
-    const Fft f = fft();
-    f.multiply(a1.data(), kA.data(), n());
-    f.multiply(b1.data(), kB.data(), n());
-    f.multiplyBoth(a2.data(), b2.data(), both.data(), n());
-    EXPECT_EQ(std::memcmp(a1.data(), a2.data(), sizeof(double) * 2 * n()), 0);
-    EXPECT_EQ(std::memcmp(b1.data(), b2.data(), sizeof(double) * 2 * n()), 0);
-}
-
 INSTANTIATE_TEST_SUITE_P(EveryFamilyAndSize, FftAtSize,
                          ::testing::Combine(::testing::ValuesIn(allFamilies()), ::testing::ValuesIn(dsp::kFftSizes)),
                          [](const auto& info) {
@@ -132,18 +118,16 @@ INSTANTIATE_TEST_SUITE_P(EveryFamilyAndSize, FftAtSize,
 TEST(FftDispatch, UnknownSizeLeavesTheBufferUntouched) {
     const int entries = 2 * dsp::kMaxFftSize + 8;
     const std::vector<double> original = randomSignal(entries, 21);
-    AlignedBuffer buffer(entries), other(entries), kernels(2 * entries);
+    AlignedBuffer buffer(entries);
     for (FftFamily family : allFamilies()) {
         const Fft f(family);
         for (int n : {0, -4096, 1, 2048, 4095, 4097, 12288, 65536}) {
-            for (int e = 0; e < entries; ++e) buffer[e] = other[e] = original[e];
+            for (int e = 0; e < entries; ++e) buffer[e] = original[e];
             f.forward(buffer.data(), n);
             f.inverse(buffer.data(), n);
             f.scale(buffer.data(), n);
             f.multiply(buffer.data(), original.data(), n);
-            f.multiplyBoth(buffer.data(), other.data(), kernels.data(), n);
             EXPECT_EQ(std::memcmp(buffer.data(), original.data(), sizeof(double) * entries), 0) << "N = " << n;
-            EXPECT_EQ(std::memcmp(other.data(), original.data(), sizeof(double) * entries), 0) << "N = " << n;
         }
     }
 }

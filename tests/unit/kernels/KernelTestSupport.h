@@ -116,13 +116,14 @@ struct SectionSet {
     }
 };
 
-// The time-domain taps behind a side's active kernel spectrum, seen the way the audio path
+// The time-domain taps behind a side's newest kernel spectrum, seen the way the audio path
 // sees them: a unit sample convolved with the kernel. All 2N samples.
-inline std::vector<double> activeTaps(const dsp::KernelDesigner& d, int side, int n) {
-    dsp::AlignedBuffer frame(2 * n);
+inline std::vector<double> activeTaps(dsp::KernelDesigner& d, int side, int n) {
+    dsp::AlignedBuffer frames[2] = {dsp::AlignedBuffer(2 * n), dsp::AlignedBuffer(2 * n)};
+    dsp::AlignedBuffer& frame = frames[side];
     frame[0] = 1.0;
     d.fft().forward(frame.data(), n);
-    d.multiplyByActiveKernel(side, frame.data(), n);
+    d.multiplyByNewest(frames[0].data(), frames[1].data(), n);
     d.fft().inverse(frame.data(), n);
     std::vector<double> taps(2 * n);
     for (int t = 0; t < 2 * n; ++t) taps[t] = frame[t < n ? 2 * t : 2 * (t - n) + 1];
