@@ -11,6 +11,7 @@
 
 #include "gui/Editor.h"
 #include "gui/toolkit/CControl.h"
+#include "gui/toolkit/CMessageBox.h"
 #include "presets/StoredValues.h"
 #include "unit/plugin/PluginHarness.h"
 #include "unit/toolkit/FakePrograms.h"
@@ -210,4 +211,30 @@ TEST_F(EditorScript, RightClickOnLoadPresetAsksForTheEndianReversedDialog) {
     const std::string text((std::istreambuf_iterator<char>(args)), {});
     EXPECT_NE(text.find("Load preset (endian-reversed)"), std::string::npos) << text;
     std::filesystem::remove(file);
+}
+
+TEST_F(EditorScript, ManualButtonReportsWhyTheManualDidNotOpen) {
+    constexpr CPoint kManual(734, 500);
+    struct Case {
+        const char* manualPath;  // null: none stored
+        const char* opener;      // the stand-in xdg-open's script
+        const char* text;
+        const char* caption;
+    } cases[] = {
+        {nullptr, "exit 0", "Could not open user manual", ""},
+        {"/usr/share/doc/tyx/manual.pdf", "exit 3", "Make sure Acrobat Reader is installed", "Could not open manual file"},
+        {"/usr/share/doc/tyx/manual.pdf", "exit 2", "Could not open user manual", ""},
+    };
+    for (const Case& c : cases) {
+        FakePrograms fakes(true);
+        fakes.add("xdg-open", c.opener);
+        if (c.manualPath) editor().userStore().writeString(presets::stored::kManualPath, c.manualPath);
+        click(kManual.x, kManual.y);
+        ASSERT_TRUE(idleUntil(frame(), [&] { return frame().getModalView() != nullptr; })) << c.text;
+        auto* box = dynamic_cast<CMessageBox*>(frame().getModalView());
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->getText(), c.text);
+        EXPECT_EQ(box->getCaption(), c.caption);
+        frame().setModalView(nullptr);
+    }
 }
