@@ -124,6 +124,8 @@ bool Editor::build() {
     for (const ResetPlace& place : kResetPlaces) myframe->addView(new CResetArea(place.rect, this, place.tag));
 
     CPresetSystemEditor::open(systemWindow);
+    // The stored option works from the start, as its button shows it.
+    myframe->setKeyboardFocus(readKeyboardFocus());
     showAllParameters();
     lastIdleTicks = myframe->getTicks();
     return true;

@@ -9,12 +9,12 @@
 
 namespace {
 // Bitmaps are looked up by number in the artwork compiled into the library.
-const bool artworkInstalled = (CBitmap::setResourceFinder(findEmbeddedBitmap), true);
+[[maybe_unused]] const bool artworkInstalled = (CBitmap::setResourceFinder(findEmbeddedBitmap), true);
 }  // namespace
 
 VstIntPtr Plugin::vendorSpecific(VstInt32 index, VstIntPtr /*value*/, void* ptr, float /*opt*/) {
     if (index == vendor::kSnapshotRequest) {
-        if (!artworkInstalled || !ptr || !pluginEditor) return 0;
+        if (!ptr || !pluginEditor) return 0;
         return pluginEditor->writeSnapshot(static_cast<const char*>(ptr)) ? 1 : 0;
     }
     return 0;

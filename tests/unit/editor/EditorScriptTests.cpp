@@ -238,3 +238,25 @@ TEST_F(EditorScript, ManualButtonReportsWhyTheManualDidNotOpen) {
         frame().setModalView(nullptr);
     }
 }
+
+TEST_F(EditorScript, MemoryButtonsStoreAndRecallTheCurrentPreset) {
+    constexpr CPoint kStoreA(396, 501), kRecallA(429, 501), kStoreB(460, 501), kRecallB(494, 501);
+    p().setParameter(params::kOutput, 0.2f);
+    click(kStoreA.x, kStoreA.y);
+    p().setParameter(params::kOutput, 0.7f);
+    click(kStoreB.x, kStoreB.y);
+    p().setParameter(params::kOutput, 0.5f);
+    click(kRecallA.x, kRecallA.y);
+    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.2f);
+    click(kRecallB.x, kRecallB.y);
+    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.7f);
+}
+
+TEST_F(EditorScript, KeyboardFocusButtonKeepsTheOptionForTheNextSession) {
+    constexpr CPoint kKeyboardFocus(715, 500);
+    click(kKeyboardFocus.x, kKeyboardFocus.y);
+    EXPECT_EQ(editor().userStore().readDword(presets::stored::kKeyboardFocus), 1u);
+    EXPECT_TRUE(editor().readKeyboardFocus());
+    click(kKeyboardFocus.x, kKeyboardFocus.y);
+    EXPECT_EQ(editor().userStore().readDword(presets::stored::kKeyboardFocus), 0u);
+}
