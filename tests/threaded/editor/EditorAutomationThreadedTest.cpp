@@ -1,5 +1,6 @@
-// A host automating Power, FAT and LinPhase from its audio thread while the user-interface
-// thread opens the editor (off screen), idles it and closes it again, over and over.
+// The effect passing automated Power, FAT and LinPhase values to its editor from the audio
+// thread while the user-interface thread opens the editor (off screen), idles it and closes it
+// again, over and over.
 // Meant to run under ThreadSanitizer: the editor's controls are only touched under its lock,
 // and a value that arrives while the frame is busy is shown by the next idle.
 
@@ -28,7 +29,7 @@ TEST(EditorThreads, AutomationWhileTheEditorOpensIdlesAndCloses) {
     std::thread automation([&] {
         for (int i = 0; !done.load(); ++i) {
             const float v = (i & 1) ? 1.0f : 0.0f;
-            for (int index : {params::kPower, params::kFat, params::kLinPhase}) plugin.setParameter(index, v);
+            for (int index : {params::kPower, params::kFat, params::kLinPhase}) editor.setParameter(index, v);
         }
     });
     for (int cycle = 0; cycle < 20; ++cycle) {
