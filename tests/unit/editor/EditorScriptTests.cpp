@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr float kNothing = -1.0f;  // sentinel for "this parameter must not change"
 
 class EditorScript : public ::testing::Test {
 protected:
