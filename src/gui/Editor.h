@@ -1,9 +1,29 @@
 #pragma once
-// The plug-in's editor object. It exists for the effect's whole life; its window exists only
-// while the host has it open. Until the window is built, the editor reports its size and
-// declines to open, and the effect's notifications reach it harmlessly.
+// The plug-in's editor object. It exists for the effect's whole life; its frame and controls
+// exist only while the window is open (or while a picture of it is being rendered).
 
+#include <atomic>
+#include <string>
+
+#include "gui/toolkit/CFrame.h"
+#include "platform/TimedLock.h"
 #include "presets/CPresetSystemEditor.h"
+
+class CControl;
+class EditorEffect;
+
+// The editor's frame. With the keyboard-focus option on, it takes the keys at once and again
+// whenever the mouse is used in it.
+class MyFrame : public CFrame {
+public:
+    using CFrame::CFrame;
+    void setKeyboardFocus(bool on);
+    bool hasKeyboardFocusOption() const { return keyboardFocus; }
+    CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override;
+
+private:
+    bool keyboardFocus = false;
+};
 
 // The callbacks that the plug-in's custom controls call.
 class CExtendedListener : public CPresetSystemEditor {
@@ -15,12 +35,29 @@ class Editor : public CExtendedListener {
 public:
     static constexpr short kWidth = 750;
     static constexpr short kHeight = 509;
+    static constexpr uint32_t kIdleIntervalMs = 25;
 
     explicit Editor(AudioEffect* effect);
+    ~Editor() override;
 
+    // Builds the frame in a child window of the host's window; false (and nothing left
+    // behind) when no window can be made there.
     bool open(void* parentWindow) override;
+    // The same frame and controls without a window: it renders into its image only.
+    bool openOffscreen();
     void close() override;
-    bool isOpen() override { return false; }
+    bool isOpen() override { return opened.load(std::memory_order_acquire); }
+    void idle() override;
+    bool onKeyDown(VstKeyCode& key) override;
+    bool onKeyUp(VstKeyCode& key) override;
+
+    void valueChanged(CControl* control) override;
+    void setParameter(VstInt32 index, float value) override;
+    void setKeyboardFocus(bool on) override;
+
+    // Writes the editor as it looks now (opened off screen for the moment when it is closed)
+    // as a PNG file.
+    bool writeSnapshot(const std::string& path);
 
     // The host's speaker arrangement is mono in and mono out.
     void setMonoInput(bool mono) { monoInput = mono; }
@@ -30,5 +67,27 @@ public:
     void takePlotRange() {}
 
 private:
+    bool build();
+    void release();
+    void showParameter(int index, float value);
+    void showAllParameters();
+    float parameter(int index) const;
+    void setAutomated(int index, float value);
+    void setBandType(int tag, float value);
+    void resetBands(int tag);
+    MyFrame* myFrame() const;
+
+    EditorEffect* editorEffect() const;
+
+    platform::TimedLock editorLock;
+    std::atomic<bool> opened{false};
+    // A parameter change that arrived while the frame was busy: idle shows every value again.
+    std::atomic<bool> refreshPending{false};
+    uint32_t lastIdleTicks = 0;
     bool monoInput = false;
+
+    // Controls owned by the frame; null while closed.
+    CControl* powerButton = nullptr;
+    CControl* fatButton = nullptr;
+    CControl* linPhaseButton = nullptr;
 };

@@ -10,6 +10,7 @@
 
 #include "analyzer/SPAN.h"
 #include "dsp/BandModel.h"
+#include "gui/EditorEffect.h"
 #include "plugin/BandAudition.h"
 #include "plugin/EqualizerControl.h"
 #include "plugin/Latency.h"
@@ -21,7 +22,7 @@
 
 class Editor;
 
-class Plugin : public CPresetSystemEffect, private EqualizerOwner {
+class Plugin : public CPresetSystemEffect, public EditorEffect, private EqualizerOwner {
 public:
     static constexpr VstInt32 kUniqueId = fourCharCode('T', 'X', 'v', 'r');
     static constexpr VstInt32 kVersion = 2040;
@@ -54,6 +55,8 @@ public:
     bool getProductString(char* text) override;
     VstInt32 getVendorVersion() override { return kVendorVersion; }
     VstInt32 canDo(char* text) override;
+    // Our own requests through effVendorSpecific (kSnapshotRequest: write the editor as a PNG).
+    VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     VstPlugCategory getPlugCategory() override { return kPlugCategMastering; }
 
     // Preset layer.

@@ -19,6 +19,9 @@
 #include "vst/AEffGUIEditor.h"
 
 class CPresetSystemEffect;
+class CPSKickButton;
+class COptionMenu;
+class CTextEdit;
 
 class CPresetSystemEditor : public AEffGUIEditor, public CControlListener {
 public:
@@ -27,17 +30,31 @@ public:
     // Keeps the dialogs' paths for the next session when a file operation changed them.
     ~CPresetSystemEditor() override;
 
-    void valueChanged(CControl* /*control*/) override {}
+    // The preset strip: open() adds its controls to the frame that the editor has just built,
+    // close() forgets them (the frame deletes them); valueChanged() answers the strip's tags.
+    bool open(void* parentWindow) override;
+    void close() override;
+    void valueChanged(CControl* control) override;
+    // The frame takes the keys (at once and on later mouse use) while this is on.
+    virtual void setKeyboardFocus(bool /*on*/) {}
     // A control's gesture on a parameter (its tag) is an edit the host hears about; the tags of
     // commands and of the preset strip are not parameters and stay here.
     void controlBeginEdit(CControl* control) override;
     void controlEndEdit(CControl* control) override;
 
-    // What the preset strip shows; the strip overrides these.
-    // The current preset was renamed or replaced: the name display follows.
-    virtual void showPresetName(const char* /*name*/) {}
-    virtual void setPresetMenuTitle(int /*index*/, const char* /*name*/) {}
-    virtual void selectPresetMenuEntry(int /*index*/) {}
+    // What the preset strip shows (nothing while the editor is closed).
+    // The current preset was renamed or replaced: the name field and the menu entry follow.
+    virtual void showPresetName(const char* name);
+    virtual void setPresetMenuTitle(int index, const char* name);
+    virtual void selectPresetMenuEntry(int index);
+
+    // The preset strip's dialogs, run by the desktop's dialog program; the file is read or
+    // written when the user has chosen it. endianReversed inverts the byte order the file's
+    // magic implies.
+    void loadBankDialog(bool endianReversed);
+    void saveBankDialog();
+    void loadPresetDialog(bool endianReversed);
+    void savePresetDialog();
 
     // Called once while the plug-in is constructed, after its editor object exists: the stored
     // default bank, then preset 0 selected, then the stored default preset into it, then the
@@ -109,4 +126,17 @@ protected:
 
     presets::RememberedPaths paths;
     platform::UserStore store;
+
+private:
+    void openStrip();
+    void stepPreset(float direction);
+    void choosePresetFromMenu();
+    void renamePreset();
+    void openManual();
+    void runFileDialog(int kind);
+
+    // The strip's controls, owned by the frame; null while the editor is closed.
+    CTextEdit* presetNameDisplay = nullptr;
+    COptionMenu* presetMenu = nullptr;
+    CPSKickButton* manualButton = nullptr;
 };

@@ -36,6 +36,7 @@ const char* const kUsage =
     "Other:\n"
     "  --list-presets        print the bank (* marks the current preset) and exit\n"
     "  --list-params         print every parameter with its text and value and exit\n"
+    "  --snapshot FILE.png   write the editor as it looks with these settings and exit\n"
     "  --quiet               no progress bar and no summary\n"
     "  --help                this text\n";
 
@@ -113,6 +114,7 @@ Options parseOptions(int argc, char** argv) {
         else if (arg == "--quiet" || arg == "-q") flag(o.quiet);
         else if (arg == "--list-presets") flag(o.listPresets);
         else if (arg == "--list-params") flag(o.listParams);
+        else if (arg == "--snapshot") o.snapshot = value();
         else throw UsageError("unknown option " + quoted(arg));
     }
     if (positional.size() > 2) throw UsageError("too many file names (at most INPUT and OUTPUT)");

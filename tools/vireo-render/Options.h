@@ -24,6 +24,7 @@ struct Options {
     bool quiet = false;
     bool listPresets = false;
     bool listParams = false;
+    std::string snapshot;  // write the editor as a PNG instead of rendering audio
     bool help = false;
 };
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "Errors.h"
+#include "plugin/VendorRequests.h"
 
 namespace render {
 namespace {
@@ -179,6 +180,11 @@ void Session::stopProcessing() {
     plugin_->stopProcess();
     plugin_->suspend();
     processing_ = false;
+}
+
+void Session::writeSnapshot(const std::string& path) {
+    if (plugin_->dispatch(effVendorSpecific, vendor::kSnapshotRequest, 0, const_cast<char*>(path.c_str())) != 1)
+        throw RunError("cannot write the editor's picture to " + quoted(path));
 }
 
 }  // namespace render

@@ -43,6 +43,8 @@ public:
 
     std::string currentPresetName() { return plugin_->programName(); }
     void printPresets(std::FILE* out);
+    // The plug-in draws its editor for the current settings into a PNG file.
+    void writeSnapshot(const std::string& path);
     void printParameters(std::FILE* out);
 
     // Switches the effect on for a run of process calls and returns the latency it reports then.

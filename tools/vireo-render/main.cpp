@@ -91,7 +91,7 @@ void printSummary(const std::string& source, const std::string& preset, const Re
 }
 
 int run(const Options& o) {
-    const bool listing = o.listPresets || o.listParams;
+    const bool listing = o.listPresets || o.listParams || !o.snapshot.empty();
     const bool demo = o.input.empty();
 
     std::unique_ptr<InputFile> input;
@@ -119,6 +119,7 @@ int run(const Options& o) {
     if (!o.presetFile.empty()) session.loadPresetFile(o.presetFile);
     for (const auto& [name, value] : o.sets) session.setParameter(name, value);
 
+    if (!o.snapshot.empty()) session.writeSnapshot(o.snapshot);
     if (listing) {
         if (o.listPresets) session.printPresets(stdout);
         if (o.listPresets && o.listParams) std::printf("\n");

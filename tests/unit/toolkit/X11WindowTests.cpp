@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "ToolkitSupport.h"
+#include "XvfbFixture.h"
 #include "gui/toolkit/CKickButton.h"
 #include "platform/ChildProcess.h"
 
@@ -28,59 +29,8 @@ int openFileCount() {
     return count;
 }
 
-int xErrors = 0;
-int countXError(Display*, XErrorEvent*) {
-    ++xErrors;
-    return 0;
-}
-
-class X11Window : public testing::Test {
+class X11Window : public XvfbFixture {
 protected:
-    static void SetUpTestSuite() {
-        if (platform::findProgram("Xvfb").empty()) return;
-        server = new platform::ChildProcess;
-        // -displayfd prints the display number it chose once it accepts connections.
-        if (!server->start({"Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"})) return;
-        for (int i = 0; i < 1000 && server->output().find('\n') == std::string::npos; ++i) {
-            if (server->poll()) return;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        const std::string number = server->output().substr(0, server->output().find('\n'));
-        if (number.empty()) return;
-        setenv("DISPLAY", (":" + number).c_str(), 1);
-        display = XOpenDisplay(nullptr);
-    }
-    static void TearDownTestSuite() {
-        if (display) XCloseDisplay(display);
-        display = nullptr;
-        delete server;  // terminates the server
-        server = nullptr;
-    }
-
-    void SetUp() override {
-        if (!display) GTEST_SKIP() << "Xvfb is not installed or did not start (Debian package xvfb)";
-        XSetErrorHandler(countXError);
-        xErrors = 0;
-        parent = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 800, 600, 0, 0, 0);
-        XMapWindow(display, parent);
-        XSync(display, False);
-    }
-    void TearDown() override {
-        if (!display) return;
-        XDestroyWindow(display, parent);
-        XSync(display, False);
-        EXPECT_EQ(xErrors, 0);
-    }
-
-    std::vector<Window> children() {
-        Window root, up, *list = nullptr;
-        unsigned count = 0;
-        XQueryTree(display, parent, &root, &up, &list, &count);
-        std::vector<Window> out(list, list + count);
-        if (list) XFree(list);
-        return out;
-    }
-
     // Idles the frame until the condition holds or two seconds have passed.
     template <typename Condition>
     bool pumpUntil(CFrame& frame, Condition condition) {
@@ -104,9 +54,6 @@ protected:
         return shown ? child : 0;
     }
 
-    static inline platform::ChildProcess* server = nullptr;
-    static inline Display* display = nullptr;
-    Window parent = 0;
 };
 
 constexpr CRect kButton(100, 100, 140, 130);

@@ -1,0 +1,105 @@
+// The built plug-in's editor in a real X11 window: a parent window of the test's own on an Xvfb
+// server started here, the editor opened through the dispatcher, clicked with the X test
+// extension, photographed, and opened and closed again and again.
+
+#include <gtest/gtest.h>
+
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+
+#include <chrono>
+#include <set>
+#include <thread>
+
+#include "host/VstHost.h"
+#include "unit/toolkit/XvfbFixture.h"
+
+namespace {
+
+constexpr int kPowerX = 678, kPowerY = 462;
+
+class EditorWindow : public XvfbFixture {
+protected:
+    void SetUp() override {
+        XvfbFixture::SetUp();
+        if (IsSkipped()) return;
+        std::string error;
+        plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH, &error);
+        ASSERT_TRUE(plugin) << error;
+        plugin->open();
+    }
+    void TearDown() override {
+        plugin.reset();
+        XvfbFixture::TearDown();
+    }
+
+    Window onlyChild() {
+        const std::vector<Window> list = children();
+        return list.size() == 1 ? list[0] : 0;
+    }
+    // Pumps the editor's idle, as a host's timer would, until the condition holds (two seconds).
+    template <typename Condition>
+    bool idleUntil(Condition condition) {
+        for (int i = 0; i < 200; ++i) {
+            plugin->dispatch(effEditIdle);
+            if (condition()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+    std::unique_ptr<vsthost::LoadedPlugin> plugin;
+};
+
+TEST_F(EditorWindow, OpensInTheHostWindowAnswersAClickAndShowsTheArtwork) {
+    ERect* rect = nullptr;
+    ASSERT_EQ(plugin->dispatch(effEditGetRect, 0, 0, &rect), 1);
+    EXPECT_EQ(rect->right - rect->left, 750);
+    EXPECT_EQ(rect->bottom - rect->top, 509);
+
+    ASSERT_EQ(plugin->dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(parent)), 1);
+    const Window child = onlyChild();
+    ASSERT_NE(child, 0u);
+    XWindowAttributes attributes{};
+    ASSERT_TRUE(idleUntil([&] {
+        XGetWindowAttributes(display, child, &attributes);
+        return attributes.map_state == IsViewable;
+    }));
+
+    const bool powerBefore = plugin->getParameter(0) >= 0.5f;
+    XTestFakeMotionEvent(display, DefaultScreen(display), kPowerX, kPowerY, CurrentTime);
+    XTestFakeButtonEvent(display, 1, True, CurrentTime);
+    XTestFakeButtonEvent(display, 1, False, CurrentTime);
+    XFlush(display);
+    EXPECT_TRUE(idleUntil([&] { return (plugin->getParameter(0) >= 0.5f) != powerBefore; }));
+
+    for (int i = 0; i < 3; ++i) {  // let the last redraw reach the window (idle acts every 25 ms)
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        plugin->dispatch(effEditIdle);
+    }
+    XImage* shot = XGetImage(display, child, 0, 0, 750, 509, AllPlanes, ZPixmap);
+    ASSERT_NE(shot, nullptr);
+    EXPECT_EQ(shot->width, 750);
+    EXPECT_EQ(shot->height, 509);
+    std::set<unsigned long> colours;
+    for (int y = 0; y < 509; y += 7)
+        for (int x = 0; x < 750; x += 7) colours.insert(XGetPixel(shot, x, y));
+    XDestroyImage(shot);
+    EXPECT_GT(colours.size(), 50u) << "the window shows the editor's artwork, not a blank area";
+
+    plugin->dispatch(effEditClose);
+    XSync(display, False);
+    EXPECT_EQ(children().size(), 0u);
+}
+
+TEST_F(EditorWindow, TwoHundredOpenIdleCloseCyclesLeaveNoWindowBehind) {
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(plugin->dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(parent)), 1) << i;
+        plugin->dispatch(effEditIdle);
+        plugin->dispatch(effEditClose);
+    }
+    XSync(display, False);
+    EXPECT_EQ(children().size(), 0u);
+}
+
+}  // namespace

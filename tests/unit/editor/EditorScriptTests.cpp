@@ -1,0 +1,261 @@
+// The editor opened off screen and driven by mouse and key events against its frame; every
+// outcome is read back through the plug-in's parameters, its bank and the user's store.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "gui/Editor.h"
+#include "gui/toolkit/CControl.h"
+#include "gui/toolkit/CMessageBox.h"
+#include "presets/StoredValues.h"
+#include "unit/plugin/PluginHarness.h"
+#include "unit/toolkit/FakePrograms.h"
+
+namespace {
+
+
+class EditorScript : public ::testing::Test {
+protected:
+    EditorScript() {
+        // Each test gets an empty store of its own (set before the plug-in locates it).
+        std::filesystem::remove_all(storeDir);
+        setenv("TYX_VIREO_CONFIG_DIR", storeDir.c_str(), 1);
+        h = std::make_unique<PluginHarness>();
+        editor().openOffscreen();
+    }
+    ~EditorScript() override {
+        editor().close();
+        h.reset();
+        std::filesystem::remove_all(storeDir);
+    }
+
+    Plugin& p() { return *h->plugin; }
+    Editor& editor() { return *p().getPluginEditor(); }
+    CFrame& frame() { return *editor().getFrame(); }
+
+    void click(double x, double y, int32_t buttons = kLButton) {
+        CPoint where(x, y);
+        frame().onMouseDown(where, CButtonState(buttons));
+        frame().onMouseUp(where, CButtonState(buttons & ~CButtonState::kButtons));
+    }
+    void key(int32_t character, uint8_t virt = 0, uint8_t modifier = 0) {
+        VstKeyCode code{character, virt, modifier};
+        editor().onKeyDown(code);
+    }
+    bool stored(std::string_view name) { return editor().userStore().readBinary(name).has_value(); }
+
+    std::string storeDir = testing::TempDir() + "editor-script-store";
+    std::unique_ptr<PluginHarness> h;
+};
+
+// Centres of the controls the scripts use.
+constexpr CPoint kRockerLeft(345, 500), kRockerRight(365, 500);
+constexpr CPoint kDefaultPreset(144, 500);
+constexpr CPoint kLoadPreset(174, 500);
+constexpr CPoint kNameField(256, 501);
+constexpr CPoint kResetFrequencies(38, 314);
+constexpr CPoint kPower(678, 462);
+
+}  // namespace
+
+TEST_F(EditorScript, OpenUntilCloseAndClosedEditorIgnoresParameters) {
+    EXPECT_TRUE(editor().isOpen());
+    EXPECT_EQ(frame().getImage().width(), Editor::kWidth);
+    EXPECT_EQ(frame().getImage().height(), Editor::kHeight);
+    editor().close();
+    EXPECT_FALSE(editor().isOpen());
+    EXPECT_EQ(editor().getFrame(), nullptr);
+    const float before = p().getParameter(params::kOutput);
+    editor().setParameter(params::kPower, 0.0f);
+    editor().idle();
+    VstKeyCode k{'a', 0, 0};
+    EXPECT_FALSE(editor().onKeyDown(k));
+    EXPECT_EQ(p().getParameter(params::kOutput), before);
+    EXPECT_TRUE(editor().openOffscreen());  // and it opens again
+}
+
+TEST_F(EditorScript, PowerButtonSwitchesTheParameter) {
+    const float before = p().getParameter(params::kPower);
+    click(kPower.x, kPower.y);
+    EXPECT_NE(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
+    click(kPower.x, kPower.y);
+    EXPECT_EQ(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
+}
+
+TEST_F(EditorScript, BandTypeReachesTheSideChannelSelects) {
+    struct Case {
+        float channel;
+        bool left, right;
+    } cases[] = {{0.0f, true, false}, {0.5f, false, true}, {1.0f, true, true}};
+    for (const Case& c : cases) {
+        p().setParameter(params::kChannel, c.channel);
+        p().setParameter(params::kType + 2, params::stepCentre(0, 14));
+        p().setParameter(params::kTypeR + 2, params::stepCentre(0, 14));
+        CControl band3Type(CRect(0, 0, 1, 1), &editor(), params::kType + 2);
+        band3Type.setValue(params::stepCentre(3, 14));
+        editor().valueChanged(&band3Type);
+        EXPECT_EQ(params::quantize(p().getParameter(params::kType + 2), 14), c.left ? 3 : 0) << c.channel;
+        EXPECT_EQ(params::quantize(p().getParameter(params::kTypeR + 2), 14), c.right ? 3 : 0) << c.channel;
+    }
+}
+
+TEST_F(EditorScript, SwitchingABandOffOnBothSidesDropsItFromSolo) {
+    p().setParameter(params::kChannel, 1.0f);  // LINK
+    p().setParameter(params::kSolo, params::stepCentre(0b11, 256));
+    CControl band2Type(CRect(0, 0, 1, 1), &editor(), params::kType + 1);
+    band2Type.setValue(params::stepCentre(9, 14));
+    editor().valueChanged(&band2Type);
+    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b01);
+    band2Type.setValue(params::stepCentre(2, 14));
+    editor().valueChanged(&band2Type);
+    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b11);
+}
+
+TEST_F(EditorScript, ResetFrequenciesTouchesOnlyTheSelectedSides) {
+    struct Case {
+        float channel;
+        bool left, right;
+    } cases[] = {{1.0f, true, true}, {0.0f, true, false}, {0.5f, false, true}};
+    for (const Case& c : cases) {
+        p().setParameter(params::kChannel, c.channel);
+        for (int i = params::kFreq; i < params::kQ; ++i) p().setParameter(i, 0.01f);
+        click(kResetFrequencies.x, kResetFrequencies.y);
+        EXPECT_NEAR(p().getParameter(params::kFreq + 4), c.left ? 0.566323f : 0.01f, 1e-6) << c.channel;
+        EXPECT_NEAR(p().getParameter(params::kFreqR + 7), c.right ? 0.958354f : 0.01f, 1e-6) << c.channel;
+    }
+}
+
+TEST_F(EditorScript, RockerStopsAtBothEndsOfTheBank) {
+    p().selectPreset(20);
+    click(kRockerRight.x, kRockerRight.y);
+    EXPECT_EQ(p().getCurrentPreset(), 20);
+    click(kRockerLeft.x, kRockerLeft.y);
+    EXPECT_EQ(p().getCurrentPreset(), 19);
+    p().selectPreset(0);
+    click(kRockerLeft.x, kRockerLeft.y);
+    EXPECT_EQ(p().getCurrentPreset(), 0);
+    click(kRockerRight.x, kRockerRight.y);
+    EXPECT_EQ(p().getCurrentPreset(), 1);
+}
+
+TEST_F(EditorScript, DefaultPresetStoresOnDoubleClickAndClearsOnCtrlDoubleClick) {
+    const auto name = presets::stored::kDefaultPreset;
+    click(kDefaultPreset.x, kDefaultPreset.y);
+    EXPECT_FALSE(stored(name)) << "a single click does nothing";
+    click(kDefaultPreset.x, kDefaultPreset.y, kLButton | kDoubleClick);
+    EXPECT_TRUE(stored(name));
+    click(kDefaultPreset.x, kDefaultPreset.y, kLButton | kDoubleClick | kControl);
+    EXPECT_FALSE(stored(name));
+}
+
+TEST_F(EditorScript, RenamingInTheNameFieldRenamesTheProgram) {
+    click(kNameField.x, kNameField.y);
+    for (char c : std::string("Mastering")) key(c);
+    key(0, VKEY_RETURN);
+    char name[64] = {};
+    p().getProgramName(name);
+    EXPECT_STREQ(name, "Mastering");
+    char indexed[64] = {};
+    p().getProgramNameIndexed(0, p().getCurrentPreset(), indexed);
+    EXPECT_STREQ(indexed, "Mastering");
+}
+
+namespace {
+void reverse32(std::vector<uint8_t>& bytes, size_t at) { std::reverse(bytes.begin() + at, bytes.begin() + at + 4); }
+uint32_t read32(const std::vector<uint8_t>& bytes, size_t at) {
+    uint32_t v;
+    std::memcpy(&v, bytes.data() + at, 4);
+    return v;
+}
+
+// A preset file whose magic is in machine order while every other field it uses is reversed:
+// only the endian-reversed dialog reads it right.
+std::vector<uint8_t> withReversedFields(std::vector<uint8_t> image) {
+    constexpr size_t kHeader = 41, kRecordHead = 12;
+    for (size_t at = 5; at < kHeader; at += 4) reverse32(image, at);
+    for (size_t at = kHeader; at + kRecordHead <= image.size();) {
+        const uint32_t type = read32(image, at), body = read32(image, at + 4);
+        for (size_t field = 0; field < kRecordHead; field += 4) reverse32(image, at + field);
+        if (type == 1) {
+            reverse32(image, at + kRecordHead);       // slot
+            reverse32(image, at + kRecordHead + 12);  // value
+        }
+        at += kRecordHead + body;
+    }
+    return image;
+}
+}  // namespace
+
+TEST_F(EditorScript, RightClickOnLoadPresetAsksForTheEndianReversedDialog) {
+    const std::string file = testing::TempDir() + "reversed.tyx";
+    p().setParameter(params::kOutput, 0.3f);
+    ASSERT_TRUE(editor().savePresetFile(file));
+    std::ifstream in(file, std::ios::binary);
+    const auto reversed = withReversedFields(std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
+    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(reversed.data()),
+                                                static_cast<std::streamsize>(reversed.size()));
+    p().setParameter(params::kOutput, 0.9f);
+
+    FakePrograms fakes;
+    fakes.add("zenity", "printf '%s\\n' \"$@\" > \"" + fakes.file("args") + "\"\necho '" + file + "'");
+    click(kLoadPreset.x, kLoadPreset.y, kRButton);
+    ASSERT_TRUE(idleUntil(frame(), [&] { return p().getParameter(params::kOutput) != 0.9f; }));
+    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.3f);
+    std::ifstream args(fakes.file("args"));
+    const std::string text((std::istreambuf_iterator<char>(args)), {});
+    EXPECT_NE(text.find("Load preset (endian-reversed)"), std::string::npos) << text;
+    std::filesystem::remove(file);
+}
+
+TEST_F(EditorScript, ManualButtonReportsWhyTheManualDidNotOpen) {
+    constexpr CPoint kManual(734, 500);
+    struct Case {
+        const char* manualPath;  // null: none stored
+        const char* opener;      // the stand-in xdg-open's script
+        const char* text;
+        const char* caption;
+    } cases[] = {
+        {nullptr, "exit 0", "Could not open user manual", ""},
+        {"/usr/share/doc/tyx/manual.pdf", "exit 3", "Make sure Acrobat Reader is installed", "Could not open manual file"},
+        {"/usr/share/doc/tyx/manual.pdf", "exit 2", "Could not open user manual", ""},
+    };
+    for (const Case& c : cases) {
+        FakePrograms fakes(true);
+        fakes.add("xdg-open", c.opener);
+        if (c.manualPath) editor().userStore().writeString(presets::stored::kManualPath, c.manualPath);
+        click(kManual.x, kManual.y);
+        ASSERT_TRUE(idleUntil(frame(), [&] { return frame().getModalView() != nullptr; })) << c.text;
+        auto* box = dynamic_cast<CMessageBox*>(frame().getModalView());
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->getText(), c.text);
+        EXPECT_EQ(box->getCaption(), c.caption);
+        frame().setModalView(nullptr);
+    }
+}
+
+TEST_F(EditorScript, MemoryButtonsStoreAndRecallTheCurrentPreset) {
+    constexpr CPoint kStoreA(396, 501), kRecallA(429, 501), kStoreB(460, 501), kRecallB(494, 501);
+    p().setParameter(params::kOutput, 0.2f);
+    click(kStoreA.x, kStoreA.y);
+    p().setParameter(params::kOutput, 0.7f);
+    click(kStoreB.x, kStoreB.y);
+    p().setParameter(params::kOutput, 0.5f);
+    click(kRecallA.x, kRecallA.y);
+    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.2f);
+    click(kRecallB.x, kRecallB.y);
+    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.7f);
+}
+
+TEST_F(EditorScript, KeyboardFocusButtonKeepsTheOptionForTheNextSession) {
+    constexpr CPoint kKeyboardFocus(715, 500);
+    click(kKeyboardFocus.x, kKeyboardFocus.y);
+    EXPECT_EQ(editor().userStore().readDword(presets::stored::kKeyboardFocus), 1u);
+    EXPECT_TRUE(editor().readKeyboardFocus());
+    click(kKeyboardFocus.x, kKeyboardFocus.y);
+    EXPECT_EQ(editor().userStore().readDword(presets::stored::kKeyboardFocus), 0u);
+}

@@ -1,0 +1,73 @@
+#pragma once
+// Tests against a real X display: an Xvfb server started once per test program, and for each
+// test a mapped parent window standing in for a host's, checked for X errors at the end.
+
+#include <gtest/gtest.h>
+
+#include <X11/Xlib.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/ChildProcess.h"
+
+class XvfbFixture : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        if (platform::findProgram("Xvfb").empty()) return;
+        server = new platform::ChildProcess;
+        // -displayfd prints the display number it chose once it accepts connections.
+        if (!server->start({"Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"})) return;
+        for (int i = 0; i < 1000 && server->output().find('\n') == std::string::npos; ++i) {
+            if (server->poll()) return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        const std::string number = server->output().substr(0, server->output().find('\n'));
+        if (number.empty()) return;
+        setenv("DISPLAY", (":" + number).c_str(), 1);
+        display = XOpenDisplay(nullptr);
+    }
+    static void TearDownTestSuite() {
+        if (display) XCloseDisplay(display);
+        display = nullptr;
+        delete server;  // terminates the server
+        server = nullptr;
+    }
+
+    void SetUp() override {
+        if (!display) GTEST_SKIP() << "Xvfb is not installed or did not start (Debian package xvfb)";
+        XSetErrorHandler(countXError);
+        xErrors = 0;
+        parent = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 800, 600, 0, 0, 0);
+        XMapWindow(display, parent);
+        XSync(display, False);
+    }
+    void TearDown() override {
+        if (!display) return;
+        XDestroyWindow(display, parent);
+        XSync(display, False);
+        EXPECT_EQ(xErrors, 0);
+    }
+
+    std::vector<Window> children() {
+        Window root, up, *list = nullptr;
+        unsigned count = 0;
+        XQueryTree(display, parent, &root, &up, &list, &count);
+        std::vector<Window> out(list, list + count);
+        if (list) XFree(list);
+        return out;
+    }
+
+    static int countXError(Display*, XErrorEvent*) {
+        ++xErrors;
+        return 0;
+    }
+
+    static inline platform::ChildProcess* server = nullptr;
+    static inline Display* display = nullptr;
+    static inline int xErrors = 0;
+    Window parent = 0;
+};
