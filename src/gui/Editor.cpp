@@ -150,9 +150,16 @@ void Editor::idle() {
     platform::TimedLock::Guard guard(editorLock, INT_MAX);
     if (!frame) return;
     const uint32_t now = frame->getTicks();
-    if (now - lastIdleTicks < kIdleIntervalMs) return;
+    const uint32_t elapsed = now - lastIdleTicks;
+    if (elapsed < kIdleIntervalMs) return;
     lastIdleTicks = now;
     if (refreshPending.exchange(false)) showAllParameters();
+    if (params::quantize(parameter(params::kAutoZoom), 2) == 1) {
+        if (EditorEffect* e = editorEffect()) e->applyAutoZoom();
+        animation.restartAutoZoom();
+    }
+    animation.advanceRange(elapsed, parameter(params::kPlotRange));
+    animation.advanceFade(elapsed, params::quantize(parameter(params::kSpan), 2) == 1);
     frame->idle();
 }
 
@@ -272,6 +279,10 @@ void Editor::showParameter(int index, float value) {
         case params::kPower: button = powerButton; break;
         case params::kFat: button = fatButton; break;
         case params::kLinPhase: button = linPhaseButton; break;
+        case params::kPlotRange:
+            // While AutoZoom runs, the idle eases the shown range toward the parameter.
+            if (params::quantize(parameter(params::kAutoZoom), 2) == 0) animation.showRange(value);
+            return;
         default: return;
     }
     if (button) button->setValue(static_cast<float>(params::quantize(value, 2)));

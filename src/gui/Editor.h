@@ -5,9 +5,11 @@
 #include <atomic>
 #include <string>
 
+#include "gui/IdleAnimation.h"
 #include "gui/toolkit/CFrame.h"
 #include "platform/TimedLock.h"
 #include "presets/CPresetSystemEditor.h"
+#include "presets/Parameters.h"
 
 class CControl;
 class EditorEffect;
@@ -64,7 +66,10 @@ public:
     bool isMonoInput() const { return monoInput; }
 
     // Take the current PlotRange into the plot and its range control.
-    void takePlotRange() {}
+    void takePlotRange() { animation.showRange(parameter(params::kPlotRange)); }
+    // What the plot and the range control are given: the eased range and the display opacity.
+    float shownPlotRange() const { return animation.shownRange(); }
+    int displayOpacity() const { return animation.displayOpacity(); }
 
 private:
     bool build();
@@ -84,6 +89,7 @@ private:
     // A parameter change that arrived while the frame was busy: idle shows every value again.
     std::atomic<bool> refreshPending{false};
     uint32_t lastIdleTicks = 0;
+    IdleAnimation animation;
     bool monoInput = false;
 
     // Controls owned by the frame; null while closed.

@@ -11,6 +11,8 @@ public:
     // The latency the host is told, as the info view shows it; text holds at least 64 bytes.
     virtual void getLatencyText(char* text) const = 0;
     virtual bool saveGlobalSettings() = 0;
+    // While AutoZoom is on: PlotRange set to the range the current response needs.
+    virtual void applyAutoZoom() = 0;
 
 protected:
     ~EditorEffect() = default;

@@ -304,8 +304,12 @@ void Plugin::selectPreset(int index) {
         EqualizerControl::DesignScope design(equalizer);
         if (design) equalizer.refreshCurves();
     }
-    if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
+    applyAutoZoom();
     if (pluginEditor) pluginEditor->takePlotRange();
+}
+
+void Plugin::applyAutoZoom() {
+    if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
 }
 
 // A first run (nothing stored yet) keeps the constructor's values; otherwise each value the

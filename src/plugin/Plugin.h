@@ -61,6 +61,8 @@ public:
 
     // Preset layer.
     void selectPreset(int index) override;
+    // While AutoZoom is on, PlotRange follows the range the response needs.
+    void applyAutoZoom() override;
     bool isExcludedFromSave(int index) override { return index > params::kListen; }
     bool isExcludedFromLoad(int index) override { return index > params::kChannel; }
 
