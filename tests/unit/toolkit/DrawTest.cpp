@@ -38,24 +38,6 @@ TEST(Bitmap, BrokenOrTruncatedPngLoadsEmpty) {
     }
 }
 
-TEST(Bitmap, ResourcesComeThroughTheInstalledFinder) {
-    static const std::vector<unsigned char> png = testPng();
-    CBitmap::setResourceFinder([](int id, const unsigned char** data, unsigned long* size) {
-        if (id != 130) return false;
-        *data = png.data();
-        *size = png.size();
-        return true;
-    });
-    auto* found = new CBitmap(130);
-    auto* missing = new CBitmap(131);
-    EXPECT_EQ(found->getResourceId(), 130);
-    EXPECT_TRUE(found->isLoaded());
-    EXPECT_FALSE(missing->isLoaded());
-    found->forget();
-    missing->forget();
-    CBitmap::setResourceFinder(nullptr);
-}
-
 TEST(Bitmap, DrawsFromTheSourceOffsetWithAlpha) {
     const auto png = testPng();
     auto* bitmap = new CBitmap(png.data(), png.size());
