@@ -1,20 +1,28 @@
 // The built plug-in's editor in a real X11 window: a parent window of the test's own on an Xvfb
 // server started here, the editor opened through the dispatcher, clicked with the X test
-// extension, photographed, and opened and closed again and again.
+// extension, and opened and closed again and again.
 
 #include <gtest/gtest.h>
 
-#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 
 #include <chrono>
-#include <set>
+#include <dirent.h>
 #include <thread>
 
 #include "host/VstHost.h"
 #include "unit/toolkit/XvfbFixture.h"
 
 namespace {
+
+int openFileCount() {
+    int count = 0;
+    if (DIR* dir = opendir("/proc/self/fd")) {
+        while (readdir(dir)) ++count;
+        closedir(dir);
+    }
+    return count;
+}
 
 constexpr int kPowerX = 678, kPowerY = 462;
 
@@ -33,10 +41,6 @@ protected:
         XvfbFixture::TearDown();
     }
 
-    Window onlyChild() {
-        const std::vector<Window> list = children();
-        return list.size() == 1 ? list[0] : 0;
-    }
     // Pumps the editor's idle, as a host's timer would, until the condition holds (two seconds).
     template <typename Condition>
     bool idleUntil(Condition condition) {
@@ -51,15 +55,15 @@ protected:
     std::unique_ptr<vsthost::LoadedPlugin> plugin;
 };
 
-TEST_F(EditorWindow, OpensInTheHostWindowAnswersAClickAndShowsTheArtwork) {
+TEST_F(EditorWindow, OpensInTheHostWindowAndAnswersAClick) {
     ERect* rect = nullptr;
     ASSERT_EQ(plugin->dispatch(effEditGetRect, 0, 0, &rect), 1);
     EXPECT_EQ(rect->right - rect->left, 750);
     EXPECT_EQ(rect->bottom - rect->top, 509);
 
     ASSERT_EQ(plugin->dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(parent)), 1);
-    const Window child = onlyChild();
-    ASSERT_NE(child, 0u);
+    ASSERT_EQ(children().size(), 1u);
+    const Window child = children()[0];
     XWindowAttributes attributes{};
     ASSERT_TRUE(idleUntil([&] {
         XGetWindowAttributes(display, child, &attributes);
@@ -73,26 +77,13 @@ TEST_F(EditorWindow, OpensInTheHostWindowAnswersAClickAndShowsTheArtwork) {
     XFlush(display);
     EXPECT_TRUE(idleUntil([&] { return (plugin->getParameter(0) >= 0.5f) != powerBefore; }));
 
-    for (int i = 0; i < 3; ++i) {  // let the last redraw reach the window (idle acts every 25 ms)
-        std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        plugin->dispatch(effEditIdle);
-    }
-    XImage* shot = XGetImage(display, child, 0, 0, 750, 509, AllPlanes, ZPixmap);
-    ASSERT_NE(shot, nullptr);
-    EXPECT_EQ(shot->width, 750);
-    EXPECT_EQ(shot->height, 509);
-    std::set<unsigned long> colours;
-    for (int y = 0; y < 509; y += 7)
-        for (int x = 0; x < 750; x += 7) colours.insert(XGetPixel(shot, x, y));
-    XDestroyImage(shot);
-    EXPECT_GT(colours.size(), 50u) << "the window shows the editor's artwork, not a blank area";
-
     plugin->dispatch(effEditClose);
     XSync(display, False);
     EXPECT_EQ(children().size(), 0u);
 }
 
-TEST_F(EditorWindow, TwoHundredOpenIdleCloseCyclesLeaveNoWindowBehind) {
+TEST_F(EditorWindow, TwoHundredOpenIdleCloseCyclesLeaveNoWindowOrFileBehind) {
+    const int filesBefore = openFileCount();
     for (int i = 0; i < 200; ++i) {
         ASSERT_EQ(plugin->dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(parent)), 1) << i;
         plugin->dispatch(effEditIdle);
@@ -100,6 +91,7 @@ TEST_F(EditorWindow, TwoHundredOpenIdleCloseCyclesLeaveNoWindowBehind) {
     }
     XSync(display, False);
     EXPECT_EQ(children().size(), 0u);
+    EXPECT_EQ(openFileCount(), filesBefore);
 }
 
 }  // namespace

@@ -3,50 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cairo.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <string>
 
-#include "resources/EmbeddedBitmaps.h"
+#include "unit/resources/DecodedBitmap.h"
 
 namespace {
-
-struct Picture {
-    cairo_surface_t* surface;
-    explicit Picture(cairo_surface_t* s) : surface(s) {}
-    ~Picture() { cairo_surface_destroy(surface); }
-    bool ok() const { return cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS; }
-    int width() const { return cairo_image_surface_get_width(surface); }
-    int height() const { return cairo_image_surface_get_height(surface); }
-    uint32_t at(int x, int y) const {
-        const unsigned char* data = cairo_image_surface_get_data(surface);
-        return *reinterpret_cast<const uint32_t*>(data + y * cairo_image_surface_get_stride(surface) + 4 * x);
-    }
-};
-
-struct PngBytes {
-    const unsigned char* bytes;
-    unsigned long size;
-    unsigned long offset = 0;
-};
-
-cairo_surface_t* decodeBackground() {
-    PngBytes png{nullptr, 0};
-    if (!findEmbeddedBitmap(128, &png.bytes, &png.size)) return nullptr;
-    return cairo_image_surface_create_from_png_stream(
-        [](void* closure, unsigned char* out, unsigned int length) {
-            auto* in = static_cast<PngBytes*>(closure);
-            if (in->offset + length > in->size) return CAIRO_STATUS_READ_ERROR;
-            std::copy_n(in->bytes + in->offset, length, out);
-            in->offset += length;
-            return CAIRO_STATUS_SUCCESS;
-        },
-        &png);
-}
 
 struct Area {
     const char* name;
@@ -71,21 +35,20 @@ TEST(Snapshot, FlatShowsTheBackgroundAndEveryControl) {
                                 " --preset Flat --snapshot " + file;
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
 
-    Picture shot(cairo_image_surface_create_from_png(file.c_str()));
-    Picture background(decodeBackground());
-    ASSERT_TRUE(shot.ok());
-    ASSERT_TRUE(background.ok());
-    EXPECT_EQ(shot.width(), 750);
-    EXPECT_EQ(shot.height(), 509);
+    const Surface shot = checked(cairo_image_surface_create_from_png(file.c_str()));
+    const Surface background = decode(128);
+    ASSERT_TRUE(shot && background);
+    EXPECT_EQ(cairo_image_surface_get_width(shot.get()), 750);
+    EXPECT_EQ(cairo_image_surface_get_height(shot.get()), 509);
 
     for (const Area& a : kPanel)
         for (int y = a.top; y < a.bottom; y += 3)
             for (int x = a.left; x < a.right; x += 3)
-                ASSERT_EQ(shot.at(x, y), background.at(x, y)) << a.name << " at " << x << "," << y;
+                ASSERT_EQ(pixel(shot.get(), x, y), pixel(background.get(), x, y)) << a.name << " at " << x << "," << y;
     for (const Area& a : kControls) {
         std::set<uint32_t> colours;
         for (int y = a.top; y < a.bottom; ++y)
-            for (int x = a.left; x < a.right; ++x) colours.insert(shot.at(x, y));
+            for (int x = a.left; x < a.right; ++x) colours.insert(pixel(shot.get(), x, y));
         EXPECT_GT(colours.size(), 2u) << a.name << " looks blank";
     }
     std::filesystem::remove(file);

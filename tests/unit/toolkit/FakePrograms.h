@@ -4,14 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <thread>
 
-#include "gui/toolkit/CFrame.h"
+#include "ToolkitSupport.h"
 
 class FakePrograms {
 public:
@@ -42,13 +40,3 @@ private:
     std::filesystem::path folder;
     std::string savedPath;
 };
-
-// Idles the frame until the condition holds (at most ten seconds).
-template <typename Condition>
-bool idleUntil(CFrame& frame, Condition condition) {
-    for (int i = 0; i < 1000 && !condition(); ++i) {
-        frame.idle();
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return condition();
-}

@@ -1,12 +1,14 @@
 #pragma once
 // Shared pieces of the toolkit tests: a listener that records what controls tell it, PNG
-// bytes made from hand-written pixels, and short-hands for mouse events against a frame.
+// bytes made from hand-written pixels, and short-hands for events against a frame.
 
 #include <cairo.h>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "gui/toolkit/CControl.h"
@@ -61,13 +63,6 @@ inline std::vector<unsigned char> makePng(int width, int height, const std::vect
     return png;
 }
 
-inline void click(CFrame& frame, double x, double y, int32_t buttons = kLButton) {
-    CPoint p(x, y);
-    frame.onMouseDown(p, buttons);
-    p = CPoint(x, y);
-    frame.onMouseUp(p, buttons);
-}
-
 inline void press(CFrame& frame, double x, double y, int32_t buttons = kLButton) {
     CPoint p(x, y);
     frame.onMouseDown(p, buttons);
@@ -78,6 +73,11 @@ inline void release(CFrame& frame, double x, double y, int32_t buttons = kLButto
     frame.onMouseUp(p, buttons);
 }
 
+inline void click(CFrame& frame, double x, double y, int32_t buttons = kLButton) {
+    press(frame, x, y, buttons);
+    release(frame, x, y, buttons);
+}
+
 inline void move(CFrame& frame, double x, double y, int32_t buttons = 0) {
     CPoint p(x, y);
     frame.onMouseMoved(p, buttons);
@@ -85,3 +85,13 @@ inline void move(CFrame& frame, double x, double y, int32_t buttons = 0) {
 
 inline CKeyCode character(char c) { return CKeyCode{c, 0, 0}; }
 inline CKeyCode virtualKey(uint8_t virt, uint8_t modifier = 0) { return CKeyCode{0, virt, modifier}; }
+
+// Idles the frame until the condition holds (at most ten seconds).
+template <typename Condition>
+bool idleUntil(CFrame& frame, Condition condition) {
+    for (int i = 0; i < 1000 && !condition(); ++i) {
+        frame.idle();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return condition();
+}
