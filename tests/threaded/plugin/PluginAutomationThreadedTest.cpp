@@ -7,7 +7,6 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <thread>
@@ -16,6 +15,7 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
+#include "support/TempStore.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ constexpr int kAnalyzerSteps = 16;
 }  // namespace
 
 TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
-    setenv("TYX_VIREO_CONFIG_DIR", "/nonexistent/tyx-vireo-threaded-tests", 0);
+    ScopedStoreFolder folder;
     auto plugin = std::make_unique<Plugin>(&quietHost);
     plugin->setSampleRate(48000.0f);
     plugin->setBlockSize(256);
