@@ -27,10 +27,8 @@ struct OpenWindow : AEffEditor {
 // Band b's frequency parameter value for f Hz (20 Hz · 1000^v).
 float frequencyValue(double f) { return static_cast<float>(std::log10(f / 20.0) / 3.0); }
 
-class AuditionAndFeed : public ::testing::Test {
+class AuditionAndFeed : public PluginTest {
 protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
     OpenWindow window;
 
     void SetUp() override {

@@ -21,10 +21,8 @@ float peakOf(const dsp::Curve& c) {
 
 }  // namespace
 
-class BandDesign : public ::testing::Test {
+class BandDesign : public PluginTest {
 protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
 
     // Band 3 as a peaking band at 1 kHz, +12 dB per section, on both sides (LINK).
     void peakAt1k() {

@@ -73,11 +73,7 @@ TEST(AnalyzerSettingsTest, StepsReachTheAnalyzer) {
     EXPECT_EQ(span.speed(), 2);
 }
 
-class ParameterSemantics : public ::testing::Test {
-protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
-};
+using ParameterSemantics = PluginTest;
 
 TEST_F(ParameterSemantics, GlobalSettingsGoIntoEveryPreset) {
     for (int index : {kSpan, kSpanType, kSpanColor, kSpanSpeed, kSpanMode, kSpanHold, kSpanResp, kAutoZoom, kSpanDrive,

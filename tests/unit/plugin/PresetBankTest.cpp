@@ -10,11 +10,7 @@
 #include "PluginHarness.h"
 #include "presets/FactoryPresets.h"
 
-class PresetBank : public ::testing::Test {
-protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
-};
+using PresetBank = PluginTest;
 
 TEST_F(PresetBank, FactoryPresets) {
     const char* names[21] = {"Flat",           "Mid Boost",         "Soft Contour",      "More Air",
