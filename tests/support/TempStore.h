@@ -3,6 +3,7 @@
 // lifetime of the object: tests never read or write the developer's own stored settings. The
 // store folder itself does not exist until something is written into it, as on a first run.
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -10,13 +11,11 @@
 #include <iterator>
 #include <string>
 #include <vector>
-#include <algorithm>
 
 // Sets (or, for nullptr, clears) an environment variable for the lifetime of the object.
 class ScopedEnv {
 public:
-    ScopedEnv(const char* name, const char* value) : name_(name), old_(std::getenv(name) ? std::getenv(name) : "") {
-        had_ = std::getenv(name) != nullptr;
+    ScopedEnv(const char* name, const char* value) : name_(name), had_(std::getenv(name)), old_(had_ ? std::getenv(name) : "") {
         value ? setenv(name, value, 1) : unsetenv(name);
     }
     ~ScopedEnv() { had_ ? setenv(name_, old_.c_str(), 1) : unsetenv(name_); }
@@ -25,11 +24,10 @@ public:
 
 private:
     const char* name_;
-    std::string old_;
     bool had_;
+    std::string old_;
 };
 
-// Files whole, as bytes.
 inline std::vector<uint8_t> fileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});

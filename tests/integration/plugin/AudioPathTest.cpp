@@ -27,7 +27,7 @@ protected:
         started = std::make_unique<Started>(44100.0f, 512, latencyMode);
         plugin = started->plugin.get();
         ASSERT_TRUE(plugin);
-        plugin->setParameter(params::kType + 2, stepValue(3, params::kBandTypeSteps));
+        plugin->setParameter(params::kType + 2, stepCentre(3, params::kBandTypeSteps));
         plugin->setParameter(params::kFreq + 2, static_cast<float>(std::log10(1000.0 / 20.0) / 3.0));
         plugin->setParameter(params::kGain + 2, 1.0f);
     }
@@ -115,7 +115,7 @@ TEST_F(AudioPath, PeakingBandRaisesItsFrequencyThroughTheLinearPhasePath) {
         return 10.0 * std::log10(sumOut / sumIn);
     };
     for (int resolution = 0; resolution < 3; ++resolution) {
-        plugin->setParameter(params::kResolution, stepValue(resolution, 3));
+        plugin->setParameter(params::kResolution, stepCentre(resolution, 3));
         restart(*plugin);
         run(*plugin, in, in, outL, outR, 512);
         EXPECT_NEAR(gainDb(outL), 24.0, 0.2) << "resolution " << resolution;

@@ -15,9 +15,8 @@
 
 namespace enginehost {
 
-// Normalized values that select step k of an n-step parameter.
-inline float stepValue(int k, int n) { return (static_cast<float>(k) + 0.5f) / static_cast<float>(n); }
-inline float onOff(bool on) { return stepValue(on ? 1 : 0, 2); }
+using params::stepCentre;
+inline float onOff(bool on) { return stepCentre(on ? 1 : 0, 2); }
 
 // The plug-in loaded and opened with a store folder of its own, rate and block size set, and
 // resumed when asked. With mode >= 0 the store holds that latency mode; otherwise it does not

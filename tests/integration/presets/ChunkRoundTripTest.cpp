@@ -15,8 +15,6 @@ using namespace imagebytes;
 
 namespace {
 
-constexpr int kPresets = 21;
-
 std::unique_ptr<vsthost::LoadedPlugin> loadLibrary() {
     std::string error;
     auto plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH, &error);
@@ -58,15 +56,15 @@ TEST_F(BankAtTheBoundary, ChunksCarryTheWholeBankBetweenInstances) {
     const auto hand = handChunk(false, 9, "Hand");
     ASSERT_EQ(second->setChunk(hand.data(), hand.size()), 0);
     EXPECT_EQ(second->programName(), "Hand 9");
-    EXPECT_EQ(second->getParameter(3), handValue(9, 3));
-    second->setParameter(5, 0.8125f);
+    EXPECT_EQ(second->getParameter(params::kLinPhase), handValue(9, params::kLinPhase));
+    second->setParameter(params::kOutput, 0.8125f);
     second->setProgramName("Changed");
     const auto changed = second->getChunk();
     ASSERT_EQ(changed.size(), 60697u);
     ASSERT_EQ(first->setChunk(changed.data(), changed.size()), 0);
     EXPECT_EQ(first->getChunk(), changed);
     EXPECT_EQ(first->programName(), "Changed");
-    EXPECT_EQ(first->getParameter(5), 0.8125f);
+    EXPECT_EQ(first->getParameter(params::kOutput), 0.8125f);
     EXPECT_EQ(parametersOf(*first), parametersOf(*second));
     EXPECT_EQ(first->programNameIndexed(20), "Hand 20");
 
@@ -76,37 +74,12 @@ TEST_F(BankAtTheBoundary, ChunksCarryTheWholeBankBetweenInstances) {
     EXPECT_EQ(second->programName(), "Flat");
 }
 
-TEST_F(BankAtTheBoundary, RefusedOrDamagedChunksLeaveTheBankAsItWasAndLegacyChunksLoad) {
-    auto plugin = loadLibrary();
-    ASSERT_TRUE(plugin);
-    const auto hand = handChunk(false, 3, "Hand");
-    ASSERT_EQ(plugin->setChunk(hand.data(), hand.size()), 0);
-    const auto before = plugin->getChunk();
-    const auto params = parametersOf(*plugin);
-
-    EXPECT_EQ(plugin->setChunk(hand.data(), 7), -1);
-    auto foreign = hand;
-    foreign[4] = 'x';
-    EXPECT_EQ(plugin->setChunk(foreign.data(), foreign.size()), -1);
-    EXPECT_EQ(plugin->getChunk(), before);
-    EXPECT_EQ(parametersOf(*plugin), params);
-    EXPECT_EQ(plugin->programName(), "Hand 3");
-
-    Bytes legacy(true);  // written by a big-endian machine
-    legacy.u32(0x01000000).magic().i32(2).i32(1).zeros(16);
-    for (int p = 0; p < 2; ++p) legacy.legacyBlock("Legacy " + std::to_string(p), 94, p);
-    ASSERT_EQ(plugin->setChunk(legacy.ptr(), legacy.size()), 0);
-    EXPECT_EQ(plugin->programName(), "Legacy 1");
-    EXPECT_EQ(plugin->programNameIndexed(2), "Hand 2");
-    EXPECT_EQ(plugin->getParameter(54), handValue(1, 54));
-}
-
 TEST_F(BankAtTheBoundary, BankFilesAreTheChunksImage) {
     auto library = loadLibrary();
     ASSERT_TRUE(library);
     const auto hand = handChunk(false, 0, "Hand");
     ASSERT_EQ(library->setChunk(hand.data(), hand.size()), 0);
-    library->setParameter(6, 0.25f);
+    library->setParameter(params::kType, 0.25f);
     library->setProgramName("From the library");
     const auto chunk = library->getChunk();
 
@@ -118,11 +91,11 @@ TEST_F(BankAtTheBoundary, BankFilesAreTheChunksImage) {
     char name[32];
     linked->getProgramName(name);
     EXPECT_STREQ(name, "From the library");
-    EXPECT_EQ(linked->getParameter(6), 0.25f);
+    EXPECT_EQ(linked->getParameter(params::kType), 0.25f);
 
     // Changed there, saved as a file, and taken back by the library as a chunk.
     linked->selectPreset(12);
-    linked->setParameter(40, 0.125f);
+    linked->setParameter(params::kQ + 2, 0.125f);
     linked->setPresetName("Round trip");
     const std::string fromLinked = folder.scratch() + "/from-linked.tyb";
     ASSERT_TRUE(linked->getPluginEditor()->saveBankFile(fromLinked));
@@ -135,27 +108,20 @@ TEST_F(BankAtTheBoundary, BankFilesAreTheChunksImage) {
     EXPECT_EQ(library->programNameIndexed(0), "From the library");
     // A chunk keeps the image's current preset; only a bank file opens at preset 0.
     EXPECT_EQ(library->programName(), "Round trip");
-    EXPECT_EQ(library->getParameter(40), 0.125f);
+    EXPECT_EQ(library->getParameter(params::kQ + 2), 0.125f);
 }
 
+// The order in which stored defaults come in is checked on linked instances; here only that the
+// library a host loads reads the same store.
 TEST_F(BankAtTheBoundary, DefaultsStoredByOneInstanceStartTheNext) {
     {
         auto linked = std::make_unique<Plugin>(&quietHost);
-        for (int p = 0; p < kPresets; ++p) {
-            linked->selectPreset(p);
-            for (int s = 0; s <= 71; ++s) linked->setParameter(s, handValue(p + 100, s));
-            linked->setPresetName(("Stored " + std::to_string(p)).c_str());
-        }
-        ASSERT_TRUE(linked->getPluginEditor()->storeDefaultBank());
-        linked->selectPreset(4);
+        for (int s = 0; s <= 71; ++s) linked->setParameter(s, handValue(104, s));
         linked->setPresetName("Default preset");
         ASSERT_TRUE(linked->getPluginEditor()->storeDefaultPreset());
     }
     auto library = loadLibrary();
     ASSERT_TRUE(library);
     EXPECT_EQ(library->programName(), "Default preset");
-    EXPECT_EQ(library->programNameIndexed(0), "Default preset");
-    EXPECT_EQ(library->programNameIndexed(4), "Stored 4");
-    EXPECT_EQ(library->programNameIndexed(20), "Stored 20");
     for (int s = 0; s <= 71; ++s) EXPECT_EQ(library->getParameter(s), handValue(104, s)) << s;
 }

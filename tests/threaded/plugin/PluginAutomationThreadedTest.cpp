@@ -1,16 +1,12 @@
-// The plug-in processing on one thread while a second automates band parameters, FAT,
-// Resolution, LinPhase and the analyzer's settings and auditions bands, a third pauses it and
-// changes the block size and the sample rate, as hosts do, and the editor reads the bars.
-// An editor window is reported open throughout, so the audio path feeds the analyzer.
-// Meant to run under ThreadSanitizer: every field the audio thread reads must be handed over
-// without a data race, and the output must stay finite throughout.
+// One thread processes, a second automates every kind of parameter and auditions bands, a third
+// pauses, reconfigures and reads the analyzer, with an editor window reported open so that the
+// analyzer is fed. Meant for ThreadSanitizer; the output must stay finite throughout.
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <thread>
@@ -19,14 +15,13 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
+#include "support/TempStore.h"
 
 namespace {
 
 VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
     return opcode == audioMasterVersion ? kVstVersion : 0;
 }
-
-float stepValue(int k, int n) { return (static_cast<float>(k) + 0.5f) / static_cast<float>(n); }
 
 struct OpenWindow : AEffEditor {
     bool isOpen() override { return true; }
@@ -39,20 +34,17 @@ constexpr int kAnalyzerSteps = 16;
 }  // namespace
 
 TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
-    setenv("TYX_VIREO_CONFIG_DIR", "/nonexistent/tyx-vireo-threaded-tests", 0);
+    ScopedStoreFolder folder;
     auto plugin = std::make_unique<Plugin>(&quietHost);
     plugin->setSampleRate(48000.0f);
     plugin->setBlockSize(256);
     OpenWindow window;
     plugin->setEditor(&window);
-    plugin->setParameter(params::kSpan, stepValue(1, 2));
+    plugin->setParameter(params::kSpan, params::stepCentre(1, 2));
     plugin->resume();
 
     std::atomic<bool> stop{false};
-    std::atomic<long> blocks{0};
-    std::atomic<long> nonFinite{0};
-
-    // Float and double blocks in turn, each checked for non-finite output.
+    std::atomic<long> blocks{0}, nonFinite{0};
     const auto processBlock = [&](auto sample, auto process, std::mt19937& rng) {
         using T = decltype(sample);
         std::uniform_real_distribution<T> d(-0.5, 0.5);
@@ -83,25 +75,24 @@ TEST(PluginThreads, ProcessWhileAutomatingAndReconfiguring) {
         int round = 0;
         while (!stop.load(std::memory_order_relaxed)) {
             const int b = band(rng);
-            plugin->setParameter(params::kType + b, stepValue(rng() % 7, params::kBandTypeSteps));
+            plugin->setParameter(params::kType + b, params::stepCentre(rng() % 7, params::kBandTypeSteps));
             plugin->setParameter(params::kFreq + b, u(rng));
             plugin->setParameter(params::kQ + b, u(rng));
             plugin->setParameter(params::kGain + b, u(rng));
             plugin->setParameter(params::kOutput, u(rng));
-            plugin->setParameter(params::kLrMs, stepValue(rng() % 2, 2));
-            plugin->setParameter(params::kListen, stepValue(rng() % 3, 3));
+            plugin->setParameter(params::kLrMs, params::stepCentre(rng() % 2, 2));
+            plugin->setParameter(params::kListen, params::stepCentre(rng() % 3, 3));
             switch (round++ % 3) {
-                case 0: plugin->setParameter(params::kFat, stepValue(rng() % 2, 2)); break;
-                case 1: plugin->setParameter(params::kResolution, stepValue(rng() % 2, 3)); break;
-                default: plugin->setParameter(params::kLinPhase, stepValue(rng() % 2, 2)); break;
+                case 0: plugin->setParameter(params::kFat, params::stepCentre(rng() % 2, 2)); break;
+                case 1: plugin->setParameter(params::kResolution, params::stepCentre(rng() % 2, 3)); break;
+                default: plugin->setParameter(params::kLinPhase, params::stepCentre(rng() % 2, 2)); break;
             }
-            // The editor holding a band now and then.
             plugin->setAuditionBand(round % 4 == 0 ? b : -1);
             plugin->setAuditionWidth(u(rng));
             plugin->setAuditionLevel(u(rng));
             plugin->resetOutputPeaks();
-            plugin->setParameter(kAnalyzerSettings[round % 4], stepValue(rng() % 5, kAnalyzerSteps));
-            if (round % 16 == 0) plugin->setParameter(params::kSpan, stepValue(rng() % 2, 2));
+            plugin->setParameter(kAnalyzerSettings[round % 4], params::stepCentre(rng() % 5, kAnalyzerSteps));
+            if (round % 16 == 0) plugin->setParameter(params::kSpan, params::stepCentre(rng() % 2, 2));
         }
     });
 

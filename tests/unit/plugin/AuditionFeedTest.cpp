@@ -24,15 +24,11 @@ struct OpenWindow : AEffEditor {
     bool isOpen() override { return true; }
 };
 
-float stepValue(int index, int k) { return (static_cast<float>(k) + 0.5f) / static_cast<float>(params::stepCount(index)); }
-
 // Band b's frequency parameter value for f Hz (20 Hz · 1000^v).
 float frequencyValue(double f) { return static_cast<float>(std::log10(f / 20.0) / 3.0); }
 
-class AuditionAndFeed : public ::testing::Test {
+class AuditionAndFeed : public PluginTest {
 protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
     OpenWindow window;
 
     void SetUp() override {
@@ -42,7 +38,7 @@ protected:
     }
     void TearDown() override { p.setEditor(p.getPluginEditor()); }
 
-    void spanOn(bool on) { p.setParameter(params::kSpan, stepValue(params::kSpan, on ? 1 : 0)); }
+    void spanOn(bool on) { p.setParameter(params::kSpan, params::stepCentre(on ? 1 : 0, 2)); }
 
     // Peak of the left output over the last half of `seconds` of a sine at f Hz, amplitude a.
     float run(double f, double seconds, float a = 0.5f) {

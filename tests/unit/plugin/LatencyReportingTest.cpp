@@ -21,11 +21,7 @@ TEST(LatencyFigures, ConstantModeCoversEveryPathOfTheRateClass) {
                 for (int res = 0; res < 3; ++res) {
                     // The longest partition is twice the frame: the worst case over block sizes.
                     const int n = 4096 << (res + (fat ? 1 : 0));
-                    const latency::EngineSettings s{rate, n, 2 * n, fat, lin, true};
-                    largest = std::max(largest, latency::pathLatency(s));
-                    const auto f = latency::figures(latency::kAlways, s);
-                    EXPECT_EQ(f.reported, k);
-                    EXPECT_EQ(f.padding, std::max(0, k - f.pathLatency));
+                    largest = std::max(largest, latency::pathLatency({rate, n, 2 * n, fat, lin, true}));
                 }
         // The path of the largest settings reaches the constant; only the decimated path at high
         // rates with a 65536-sample host block exceeds it, by one sample.
@@ -33,11 +29,11 @@ TEST(LatencyFigures, ConstantModeCoversEveryPathOfTheRateClass) {
     }
 }
 
+using LatencyReporting = PluginTest;
+
 // A mode change shows in the text at once but reaches the record only at the next sample-rate or
 // block-size call (the same rate again counts).
-TEST(LatencyReporting, ModeRateAndBlockSizeGiveTheRecordDelayAndText) {
-    PluginHarness h;
-    Plugin& p = *h.plugin;
+TEST_F(LatencyReporting, ModeRateAndBlockSizeGiveTheRecordDelayAndText) {
     struct Step {
         int mode;     // -1: keep
         float rate;   // 0: no call

@@ -1,6 +1,8 @@
 #pragma once
 // A Plugin linked directly, with a host callback that records what the plug-in tells it.
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -48,4 +50,11 @@ struct PluginHarness {
         plugin.reset();
         RecordingHost::current() = nullptr;
     }
+};
+
+// A test with a fresh plug-in as `p`.
+class PluginTest : public ::testing::Test {
+protected:
+    PluginHarness h;
+    Plugin& p = *h.plugin;
 };

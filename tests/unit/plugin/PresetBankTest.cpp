@@ -10,11 +10,7 @@
 #include "PluginHarness.h"
 #include "presets/FactoryPresets.h"
 
-class PresetBank : public ::testing::Test {
-protected:
-    PluginHarness h;
-    Plugin& p = *h.plugin;
-};
+using PresetBank = PluginTest;
 
 TEST_F(PresetBank, FactoryPresets) {
     const char* names[21] = {"Flat",           "Mid Boost",         "Soft Contour",      "More Air",
@@ -49,8 +45,8 @@ TEST_F(PresetBank, FactoryPresets) {
     for (const auto& spot : spots) EXPECT_EQ(factory[spot.preset].values[spot.slot], spot.value) << spot.preset << "/" << spot.slot;
     EXPECT_STREQ(factory[7].name, "Car Audio");
     for (int preset = 0; preset < presets::kPresetCount; ++preset) {
-        EXPECT_EQ(p.getPreset(preset)->values[72], 0.75f);
-        EXPECT_EQ(p.getPreset(preset)->values[5], factory[preset].values[5]);
+        EXPECT_EQ(p.getPreset(preset)->values[params::kSpan], 0.75f);
+        EXPECT_EQ(p.getPreset(preset)->values[params::kOutput], factory[preset].values[params::kOutput]);
     }
 }
 
@@ -81,10 +77,10 @@ TEST_F(PresetBank, ResetToTemplateAndFileExclusions) {
 
     // The template is preset 0 as it stood when the startup state was restored.
     p.selectPreset(0);
-    p.setParameter(5, 0.8f);
+    p.setParameter(params::kOutput, 0.8f);
     p.restoreStartupState();
     p.resetPresetToTemplate(9);
-    EXPECT_EQ(p.getPreset(9)->values[5], 0.8f);
+    EXPECT_EQ(p.getPreset(9)->values[params::kOutput], 0.8f);
     p.resetPresetToTemplate(21);  // out of range: nothing
 
     // Files keep slots 0..84 and load 0..71: the global settings stay the user's.

@@ -5,14 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
@@ -26,6 +21,9 @@
 namespace imagebytes {
 
 constexpr uint32_t kUniqueId = 0x54587672;  // "TXvr"
+
+// The value a hand-made bank gives preset p, slot s: distinct everywhere, inside 0..1.
+inline float handValue(int p, int s) { return static_cast<float>((p * 94 + s) % 997) / 997.0f; }
 
 class Bytes {
 public:
@@ -56,7 +54,11 @@ public:
         return u32(type).u32(static_cast<uint32_t>(body.size())).i32(preset).append(body);
     }
     // A legacy block: a 24-byte name and `count` floats from slot 0, one of them optionally replaced.
-    Bytes& legacyBlock(std::string_view name, int count, int preset, int badSlot = -1, float bad = 0);
+    Bytes& legacyBlock(std::string_view name, int count, int preset, int badSlot = -1, float bad = 0) {
+        text(name);
+        for (int s = 0; s < count; ++s) f32(s == badSlot ? bad : handValue(preset, s));
+        return *this;
+    }
 
     size_t size() const { return data.size(); }
     const uint8_t* ptr() const { return data.data(); }
@@ -68,15 +70,6 @@ private:
 };
 
 using SlotValues = std::vector<std::pair<uint32_t, float>>;
-
-// The value a hand-made bank gives preset p, slot s: distinct everywhere, inside 0..1.
-inline float handValue(int p, int s) { return static_cast<float>((p * 94 + s) % 997) / 997.0f; }
-
-inline Bytes& Bytes::legacyBlock(std::string_view name, int count, int preset, int badSlot, float bad) {
-    text(name);
-    for (int s = 0; s < count; ++s) f32(s == badSlot ? bad : handValue(preset, s));
-    return *this;
-}
 
 // A preset image: one name record, then the given value records.
 inline Bytes presetImage(bool big, std::string_view name, const SlotValues& values, int32_t recordIndex = 0) {
