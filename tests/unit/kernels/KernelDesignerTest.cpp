@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <memory>
 
 #include "KernelTestSupport.h"
@@ -152,28 +151,6 @@ TEST_F(KernelDesignerTest, MultiplyRefusesAFrameSizeWithoutPublishedKernels) {
     EXPECT_EQ(build(d, SectionSet(), 6000, 44100.0), KernelBuild::Refused);
     EXPECT_EQ(d.activeFrameSize(), 4096);
     EXPECT_FALSE(d.rebuildPending());
-}
-
-// The families build identical kernels and curves.
-TEST_F(KernelDesignerTest, FamiliesAgreeBitForBit) {
-    const int n = 8192;
-    const double rate = 48000.0;
-    SectionSet set;
-    set.with(0, peaking(90, 5, 0.8, rate)).with(8 + 4, shelf(true, 3000, -5, 0.9, rate));
-    KernelDesigner plain(dsp::FftFamily::Scalar);
-    KernelCurves plainCurves{};
-    ASSERT_EQ(build(plain, set, n, rate, true, &plainCurves), KernelBuild::Built);
-    for (dsp::FftFamily family : {dsp::FftFamily::Sse2, dsp::FftFamily::Avx2}) {
-        if (!dsp::fftFamilyUsable(family)) continue;
-        KernelDesigner d(family);
-        KernelCurves curves{};
-        ASSERT_EQ(build(d, set, n, rate, true, &curves), KernelBuild::Built);
-        for (int side = 0; side < dsp::kSides; ++side) {
-            EXPECT_EQ(std::memcmp(d.acquireNewest().spectrum(side), plain.acquireNewest().spectrum(side),
-                                  sizeof(double) * 2 * n), 0);
-            EXPECT_EQ(std::memcmp(curves.side[side], plainCurves.side[side], sizeof(dsp::Curve)), 0);
-        }
-    }
 }
 
 }  // namespace
