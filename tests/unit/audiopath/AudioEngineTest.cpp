@@ -8,7 +8,6 @@
 
 #include "AudioTestSupport.h"
 #include "dsp/AudioEngine.h"
-#include "plugin/Latency.h"
 
 namespace {
 
@@ -271,27 +270,6 @@ TEST(AudioEngine, AuditionReplacesTheOutputsWithTheFilteredInputs) {
     for (size_t n = 0; n < l.size(); ++n) ASSERT_NEAR(ol[n], 2.0 * l[n], 1e-15);
 }
 
-TEST(AudioEngine, FloatBuffersGiveTheDoubleResultRoundedToFloat) {
-    for (bool lin : {true, false}) {
-        Rig rigD(8192, 1024, 48000), rigF(8192, 1024, 48000);
-        for (Rig* rig : {&rigD, &rigF}) {
-            rig->settings.linPhase = lin;
-            rig->settings.fat = true;
-            rig->settings.midSide = true;
-            rig->engine.setOutputGainTarget(1.3);
-        }
-        const auto l = randomSignal(5000, 13), r = randomSignal(5000, 14);
-        std::vector<float> fl(l.begin(), l.end()), fr(r.begin(), r.end()), fol, forr;
-        std::vector<double> dl(fl.begin(), fl.end()), dr(fr.begin(), fr.end()), dol, dorr;
-        rigD.run(dl, dr, dol, dorr);
-        rigF.run(fl, fr, fol, forr);
-        for (size_t n = 0; n < fl.size(); ++n) {
-            ASSERT_EQ(fol[n], static_cast<float>(dol[n])) << n;
-            ASSERT_EQ(forr[n], static_cast<float>(dorr[n])) << n;
-        }
-    }
-}
-
 // Plain and SSE2 side by side over a long stereo signal, with block sizes, gain, mid/side,
 // listen, compensation, per-side bands and audition changing between blocks: bit for bit equal.
 template <typename Sample>
@@ -365,21 +343,6 @@ TEST(AudioEngine, LinearPhaseWithBypassedBandsIsAPureDelayAndStartsFromSilenceWh
     rig.settings.linPhase = true;
     rig.run(silence, silence, ol, orr);
     for (double v : ol) ASSERT_EQ(v, 0.0);
-}
-
-TEST(AudioEngine, PathDelaysAgreeWithTheReportedLatencyFigures) {
-    for (int rate : {44100, 48000, 88200, 96000, 176400, 192000})
-        for (bool lin : {false, true})
-            for (bool fat : {false, true})
-                for (int resolution = 0; resolution < 3; ++resolution)
-                    for (int blockSize : {64, 512, 4096}) {
-                        const int n = 4096 << (resolution + (fat ? 1 : 0));
-                        int p = rate <= 50000 ? 2 * blockSize : rate <= 100000 ? blockSize : blockSize / 2;
-                        p = std::min(fat ? 2 * p : p, 2 * n);
-                        const Kind kind = AudioEngine::pathFor({.linPhase = lin, .fat = fat, .hostRate = rate});
-                        EXPECT_EQ(AudioEngine::pathDelay(kind, n, p / 2), latency::pathLatency({rate, n, p, fat, lin, true}))
-                            << rate << " Hz lin " << lin << " fat " << fat << " res " << resolution << " block " << blockSize;
-                    }
 }
 
 }  // namespace
