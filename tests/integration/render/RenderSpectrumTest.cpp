@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "RenderTestSupport.h"
+#include "dsp/EqTypes.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
 
@@ -21,7 +22,6 @@ namespace {
 constexpr int kLength = 65536;
 constexpr int kImpulseAt = kLength / 2;  // linear phase rings before the impulse as well
 constexpr int kCarAudio = 7;             // five active bands
-constexpr int kPlotPoints = 453;         // the curves' grid: 20 Hz · 1000^(i/453)
 
 // A path: the file's rate and the switches set over the preset (FAT, LinPhase; −1 leaves it).
 struct Setting {
@@ -29,8 +29,6 @@ struct Setting {
     int rate;
     float fat, linPhase;
 };
-
-double gridFrequency(int i) { return 20.0 * std::pow(1000.0, static_cast<double>(i) / kPlotPoints); }
 
 // |Σ y[n]·e^(−jωn)| in dB: the response of the rendered impulse at f, with no transform code
 // shared with the plug-in.
@@ -72,8 +70,8 @@ TEST_P(Spectrum, RenderedPresetFollowsThePluginsOwnCurve) {
     const dsp::Curve& curve = plugin.getTotalCurves(0);
 
     double largest = 0.0, worst = 0.0;
-    for (int i = 20; i < kPlotPoints; i += 4) {
-        const double f = gridFrequency(i);
+    for (int i = 20; i < dsp::kPlotPoints; i += 4) {
+        const double f = dsp::plotFrequency(i);
         if (f > 12000.0) break;
         const double expected = curve[i];
         largest = std::max(largest, std::fabs(expected));

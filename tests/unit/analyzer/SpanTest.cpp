@@ -18,90 +18,50 @@ using namespace analyzer_test;
 constexpr int kPeak = 0;
 constexpr int kAverage = 1;
 
-// An analyzer at `rate`, settled on a 1 kHz sine of amplitude 1.
+// An analyzer at `rate`, settled on a sine of amplitude 1 at f.
 struct SettledOnTone {
     SPAN span;
     long phase = 0;
     float rate;
+    double f;
 
-    SettledOnTone(float rate, int order, int mode) : span(SPAN::Routine::scalar), rate(rate) {
+    SettledOnTone(float rate, int order, int mode, double f = 1000.0) : span(SPAN::Routine::scalar), rate(rate), f(f) {
         span.setFilterOrder(order);
         span.setSampleRate(rate);
         span.setMode(mode);
-        feedSine(span, 1000.0, rate, static_cast<long>(rate * 1.5), phase);
+        feedSine(span, f, rate, static_cast<long>(rate * 1.5), phase);
     }
-    Bars mean(double seconds) {
-        return meanReadings(span, 1000.0, rate, static_cast<long>(rate * seconds), 97, phase);
-    }
+    Bars mean(double seconds) { return meanReadings(span, f, rate, static_cast<long>(rate * seconds), 97, phase); }
 };
 
-class OneKilohertzAtEveryRate : public ::testing::TestWithParam<int> {};
-
-TEST_P(OneKilohertzAtEveryRate, MatchesThePredictionAndReadsTheSameEverywhere) {
-    const int order = GetParam();
-    float band13[6];
-    for (int r = 0; r < 6; ++r) {
-        SettledOnTone tone(kRates[r], order, kAverage);
-        const Bars b = tone.mean(0.5);
-        for (int i = 11; i <= 15; ++i)
-            EXPECT_NEAR(b[i], predictedReadingDb(i, 1000.0, kRates[r], order), 0.05) << "band " << i << " at " << kRates[r];
-        for (int i = 0; i < SPAN::kBands; ++i)  // the farther bands lie below the next neighbours
-            if (i < 11 || i > 15) {
-                EXPECT_LT(b[i], std::max(b[11], b[15])) << "band " << i << " at " << kRates[r];
-            }
-        band13[r] = b[13];
-    }
-    for (int r = 1; r < 6; ++r) EXPECT_NEAR(band13[r], band13[0], 0.06) << kRates[r];
-}
-
-INSTANTIATE_TEST_SUITE_P(BothOrders, OneKilohertzAtEveryRate, ::testing::Values(2, 6),
-                         [](const auto& info) { return "order" + std::to_string(info.param); });
-
-// The figures a user reads for a 1 kHz sine at 48 kHz, in both detector modes: band 13 at 0 dB,
-// the bands a third and two thirds of an octave above at about −18.2 / −36.8 dB (order 6) and
-// −11.6 / −17.6 dB (order 2). The bands below run at half the rate and read a little lower.
-TEST(OneKilohertzAt48k, ReadsTheNominalFiguresInBothModes) {
-    struct Case {
-        int order;
-        float neighbour, nextNeighbour;
-    };
-    for (const Case c : {Case{6, -18.2f, -36.8f}, Case{2, -11.6f, -17.6f}})
-        for (int mode : {kPeak, kAverage}) {
-            SettledOnTone tone(48000.0f, c.order, mode);
-            const Bars b = tone.mean(0.5);
-            SCOPED_TRACE("order " + std::to_string(c.order) + (mode == kPeak ? " peak" : " average"));
-            EXPECT_NEAR(b[13], 0.0, 0.15);
-            EXPECT_NEAR(b[12], c.neighbour, 0.2);
-            EXPECT_NEAR(b[11], c.nextNeighbour, 0.2);
-            EXPECT_NEAR(b[14], c.neighbour, 0.6);
-            EXPECT_NEAR(b[15], c.nextNeighbour, 1.0);
+TEST(OneKilohertzAtEveryRate, MatchesThePredictionAndReadsTheSameEverywhere) {
+    for (int order : {2, 6}) {
+        float band13[6];
+        for (int r = 0; r < 6; ++r) {
+            SCOPED_TRACE("order " + std::to_string(order) + " at " + std::to_string(kRates[r]));
+            const Bars b = SettledOnTone(kRates[r], order, kAverage).mean(0.5);
+            for (int i = 11; i <= 15; ++i) EXPECT_NEAR(b[i], predictedReadingDb(i, 1000.0, kRates[r], order), 0.05) << i;
+            for (int i = 0; i < SPAN::kBands; ++i)  // the farther bands lie below the next neighbours
+                if (i < 11 || i > 15) EXPECT_LT(b[i], std::max(b[11], b[15])) << i;
+            band13[r] = b[13];
         }
+        for (int r = 1; r < 6; ++r) EXPECT_NEAR(band13[r], band13[0], 0.06) << kRates[r];
+    }
 }
-
-class ToneInEveryBand : public ::testing::TestWithParam<int> {};
 
 // A sine at a band's nominal centre reads 0 dB there, up to what the decimation low-passes
 // on its way take off (about 0.1 dB each for order 2, nothing visible for order 6).
-TEST_P(ToneInEveryBand, ReadsZeroInItsOwnBand) {
-    const int order = GetParam();
-    for (float rate : {44100.0f, 48000.0f}) {
-        for (int band = 0; band < SPAN::kBands; ++band) {
-            SPAN span(SPAN::Routine::scalar);
-            span.setFilterOrder(order);
-            span.setSampleRate(rate);
-            span.setMode(kAverage);
-            const double f = nominalCentre(band);
-            long phase = 0;
-            feedSine(span, f, rate, static_cast<long>(rate * 1.2), phase);
-            const Bars b = meanReadings(span, f, rate, static_cast<long>(rate * 0.5), 101, phase);
-            EXPECT_NEAR(b[band], predictedReadingDb(band, f, rate, order), 0.05) << "band " << band << " at " << rate;
-            EXPECT_NEAR(b[band], 0.0, order == 2 ? 0.55 : 0.1) << "band " << band << " at " << rate;
-        }
-    }
+TEST(ToneInEveryBand, ReadsZeroInItsOwnBand) {
+    for (int order : {2, 6})
+        for (float rate : {44100.0f, 48000.0f})
+            for (int band = 0; band < SPAN::kBands; ++band) {
+                const double f = nominalCentre(band);
+                const Bars b = SettledOnTone(rate, order, kAverage, f).mean(0.5);
+                SCOPED_TRACE("order " + std::to_string(order) + " band " + std::to_string(band) + " at " + std::to_string(rate));
+                EXPECT_NEAR(b[band], predictedReadingDb(band, f, rate, order), 0.05);
+                EXPECT_NEAR(b[band], 0.0, order == 2 ? 0.55 : 0.1);
+            }
 }
-
-INSTANTIATE_TEST_SUITE_P(BothOrders, ToneInEveryBand, ::testing::Values(2, 6),
-                         [](const auto& info) { return "order" + std::to_string(info.param); });
 
 // An analyzer at a rate it has no tables for measures nothing: every bar reads the floor of
 // its detector mode, shifted by the weighting (1 kHz the reference; band 30 is 20 Hz, band 9
@@ -137,32 +97,24 @@ TEST(SpanFloor, InactiveAnalyzerReadsTheFloorOfItsModeAndWeighting) {
     EXPECT_NEAR(readBars(span)[13], -3.01, 0.15);
 }
 
-TEST(SpanModes, SwitchingToAverageKeepsASteadyReading) {
+// Peak to average keeps a steady reading; back to peak, the mean square 0.5 of the sine reads
+// as an amplitude until one period has passed; the higher mode is average without the sine's
+// 3 dB offset.
+TEST(SpanModes, SwitchingKeepsOrRecoversTheReadingAndTheHigherModeDropsTheSineOffset) {
     SettledOnTone tone(48000.0f, 6, kPeak);
-    const Bars before = readBars(tone.span);
+    const Bars peak = readBars(tone.span);
     tone.span.setMode(kAverage);
-    const Bars after = readBars(tone.span);
-    for (int i = 0; i < SPAN::kBands; ++i) {
-        if (before[i] > -90.0f) {
-            EXPECT_NEAR(after[i], before[i], 0.001) << "band " << i;
-        }
-    }
-    EXPECT_NEAR(after[13], 0.0, 0.15);
-}
-
-TEST(SpanModes, SwitchingBackToPeakRecoversWithinOnePeriod) {
-    SettledOnTone tone(48000.0f, 6, kAverage);
+    const Bars average = readBars(tone.span);
+    for (int i = 0; i < SPAN::kBands; ++i)
+        if (peak[i] > -90.0f) EXPECT_NEAR(average[i], peak[i], 0.001) << "band " << i;
+    EXPECT_NEAR(peak[13], 0.0, 0.15);
     tone.span.setMode(kPeak);
-    // No conversion: the mean square 0.5 of the sine now reads as an amplitude.
     EXPECT_NEAR(readBars(tone.span)[13], -6.02, 0.2);
     feedSine(tone.span, 1000.0, 48000.0, 48, tone.phase);
     EXPECT_NEAR(readBars(tone.span)[13], 0.0, 0.15);
-}
 
-TEST(SpanModes, HigherModeDetectsLikeAverageWithoutTheSineOffset) {
-    SettledOnTone average(48000.0f, 6, kAverage);
-    SettledOnTone higher(48000.0f, 6, 3);
-    const Bars a = readBars(average.span), h = readBars(higher.span);
+    SettledOnTone averaged(48000.0f, 6, kAverage), higher(48000.0f, 6, 3);
+    const Bars a = readBars(averaged.span), h = readBars(higher.span);
     for (int i = 0; i < SPAN::kBands; ++i) EXPECT_NEAR(h[i], a[i] - 3.0103f, 1e-3) << "band " << i;
 }
 
@@ -228,123 +180,87 @@ std::set<int> schedule(int first, int period, int samples) {
     return s;
 }
 
-class SpanSchedule : public ::testing::TestWithParam<SPAN::Routine> {};
-
-TEST_P(SpanSchedule, GroupsRunOnTheirOwnStaggeredSamples) {
+TEST(SpanSchedule, GroupsRunOnTheirOwnStaggeredSamplesInBothRoutines) {
     constexpr int kSamples = 200;
     const std::set<int> expected[] = {
         schedule(1, 1, kSamples), schedule(1, 1, kSamples),  schedule(2, 2, kSamples),
         schedule(3, 4, kSamples), schedule(5, 8, kSamples),  schedule(9, 16, kSamples),
         schedule(17, 32, kSamples),
     };
-    SPAN span(GetParam());
-    span.setSampleRate(48000.0f);  // peak mode: the first, tiny outputs of a stage already lift its levels
-    for (int pass = 0; pass < 2; ++pass) {  // the same again after a reset
-        const auto updates = observedUpdates(span, kSamples);
-        for (std::size_t g = 0; g < std::size(kGroups); ++g) {
-            EXPECT_EQ(updates[g], expected[g]) << kGroups[g].name << ", pass " << pass;
+    for (SPAN::Routine routine : {SPAN::Routine::scalar, SPAN::Routine::vector}) {
+        SPAN span(routine);
+        span.setSampleRate(48000.0f);  // peak mode: the first, tiny outputs of a stage already lift its levels
+        for (int pass = 0; pass < 2; ++pass) {  // the same again after a reset
+            const auto updates = observedUpdates(span, kSamples);
+            for (std::size_t g = 0; g < std::size(kGroups); ++g)
+                EXPECT_EQ(updates[g], expected[g]) << kGroups[g].name << ", pass " << pass;
+            span.reset();
         }
-        EXPECT_EQ(*updates[6].begin(), 17);  // the bottom group's first update
-        span.reset();
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(BothRoutines, SpanSchedule,
-                         ::testing::Values(SPAN::Routine::scalar, SPAN::Routine::vector),
-                         [](const auto& info) { return info.param == SPAN::Routine::scalar ? "scalar" : "vector"; });
 
 // After a tone stops, a peak reading falls by 20 log10(e) dB per time constant and an
 // average reading by half that. One band per group; bands ring out long before the
 // measurement starts.
-struct SpeedCase {
-    int speed;
-    double upperSeconds;
-    double bottomSeconds;
-};
-
-class SpanRelease : public ::testing::TestWithParam<SpeedCase> {};
-
-TEST_P(SpanRelease, FollowsTheTimeConstantOfTheSpeed) {
-    const SpeedCase c = GetParam();
+TEST(SpanRelease, FollowsTheTimeConstantOfEverySpeed) {
+    const struct {
+        int speed;
+        double upperSeconds, bottomSeconds;
+    } speeds[] = {{0, 0.125, 0.125}, {1, 0.25, 0.25}, {2, 1.0, 1.0}, {3, 0.15, 0.3}, {4, 0.25, 0.5}, {9, 0.125, 0.125}};
     constexpr float kRate = 48000.0f;
-    constexpr int kProbeBands[] = {4, 9, 12, 15, 18, 21, 24};
-    for (int mode : {0, 1}) {
-        for (int band : kProbeBands) {
-            SPAN span(SPAN::Routine::scalar);
-            span.setFilterOrder(6);
-            span.setSampleRate(kRate);
-            span.setSpeed(c.speed);
-            span.setMode(mode);
-            long phase = 0;
-            feedSine(span, nominalCentre(band), kRate, static_cast<long>(kRate * 3 * c.bottomSeconds), phase);
-
-            const double t = band >= 23 ? c.bottomSeconds : c.upperSeconds;
-            feedSilence(span, static_cast<long>(kRate * 0.5));
-            const float start = readBars(span)[band];
-            feedSilence(span, static_cast<long>(kRate * t));
-            const float end = readBars(span)[band];
-
-            const double perTimeConstant = (mode == 0 ? 20.0 : 10.0) * std::log10(std::exp(1.0));
-            EXPECT_NEAR(start - end, perTimeConstant, 0.01 * perTimeConstant)
-                << "band " << band << (mode == 0 ? " peak" : " average");
-        }
-    }
+    for (const auto& c : speeds)
+        for (int mode : {kPeak, kAverage})
+            for (int band : {4, 9, 12, 15, 18, 21, 24}) {
+                SPAN span(SPAN::Routine::scalar);
+                span.setFilterOrder(6);
+                span.setSampleRate(kRate);
+                span.setSpeed(c.speed);
+                span.setMode(mode);
+                long phase = 0;
+                feedSine(span, nominalCentre(band), kRate, static_cast<long>(kRate * 3 * c.bottomSeconds), phase);
+                feedSilence(span, static_cast<long>(kRate * 0.5));
+                const float start = readBars(span)[band];
+                feedSilence(span, static_cast<long>(kRate * (band >= 23 ? c.bottomSeconds : c.upperSeconds)));
+                const double perTimeConstant = (mode == kPeak ? 20.0 : 10.0) * std::log10(std::exp(1.0));
+                EXPECT_NEAR(start - readBars(span)[band], perTimeConstant, 0.01 * perTimeConstant)
+                    << "speed " << c.speed << " band " << band << (mode == kPeak ? " peak" : " average");
+            }
 }
-
-INSTANTIATE_TEST_SUITE_P(EverySpeed, SpanRelease,
-                         ::testing::Values(SpeedCase{0, 0.125, 0.125}, SpeedCase{1, 0.25, 0.25},
-                                           SpeedCase{2, 1.0, 1.0}, SpeedCase{3, 0.15, 0.3},
-                                           SpeedCase{4, 0.25, 0.5}, SpeedCase{9, 0.125, 0.125}),
-                         [](const auto& info) { return "speed" + std::to_string(info.param.speed); });
-
-struct AgreementCase {
-    float rate;
-    int order;
-    int mode;
-};
-
-class SpanRoutinesAgree : public ::testing::TestWithParam<AgreementCase> {};
 
 // Noise with bursts, level jumps and stretches of silence (so that filter states decay far
 // down), read out all along.
-TEST_P(SpanRoutinesAgree, OnLongRandomSignals) {
-    const AgreementCase c = GetParam();
-    SPAN scalar(SPAN::Routine::scalar), vector(SPAN::Routine::vector);
-    for (SPAN* s : {&scalar, &vector}) {
-        s->setFilterOrder(c.order);
-        s->setSampleRate(c.rate);
-        s->setMode(c.mode);
-        s->setSpeed(3);
-    }
-    Noise noise(987654321u);
-    Noise gains(42u);
-    float maxDifference = 0.0f;
-    constexpr int kBlocks = 160;
-    constexpr int kBlockSize = 4096;
-    for (int block = 0; block < kBlocks; ++block) {
-        const float r = 0.5f * (gains.next() + 1.0f);
-        const float gain = block % 7 == 3 ? 0.0f : std::pow(10.0f, -4.0f * r);
-        for (int n = 0; n < kBlockSize; ++n) {
-            const float x = gain * noise.next();
-            scalar.processSample(x);
-            vector.processSample(x);
+TEST(SpanRoutinesAgree, OnLongRandomSignals) {
+    const struct {
+        float rate;
+        int order, mode;
+    } cases[] = {{44100.0f, 2, kPeak}, {48000.0f, 6, kPeak}, {96000.0f, 6, kAverage}, {192000.0f, 2, kAverage}};
+    for (const auto& c : cases) {
+        SPAN scalar(SPAN::Routine::scalar), vector(SPAN::Routine::vector);
+        for (SPAN* s : {&scalar, &vector}) {
+            s->setFilterOrder(c.order);
+            s->setSampleRate(c.rate);
+            s->setMode(c.mode);
+            s->setSpeed(3);
         }
-        const Bars a = readBars(scalar), b = readBars(vector);
-        for (int i = 0; i < SPAN::kBands; ++i) {
-            ASSERT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i])) << "band " << i;
-            maxDifference = std::max(maxDifference, std::abs(a[i] - b[i]));
+        Noise noise(987654321u), gains(42u);
+        float maxDifference = 0.0f;
+        for (int block = 0; block < 160; ++block) {
+            const float r = 0.5f * (gains.next() + 1.0f);
+            const float gain = block % 7 == 3 ? 0.0f : std::pow(10.0f, -4.0f * r);
+            for (int n = 0; n < 4096; ++n) {
+                const float x = gain * noise.next();
+                scalar.processSample(x);
+                vector.processSample(x);
+            }
+            const Bars a = readBars(scalar), b = readBars(vector);
+            for (int i = 0; i < SPAN::kBands; ++i) {
+                ASSERT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i])) << "band " << i;
+                maxDifference = std::max(maxDifference, std::abs(a[i] - b[i]));
+            }
         }
+        EXPECT_LT(maxDifference, 1e-3f) << c.rate << " Hz, order " << c.order << ", mode " << c.mode;
     }
-    EXPECT_LT(maxDifference, 1e-3f);
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, SpanRoutinesAgree,
-                         ::testing::Values(AgreementCase{44100.0f, 2, 0}, AgreementCase{48000.0f, 6, 0},
-                                           AgreementCase{96000.0f, 6, 1}, AgreementCase{192000.0f, 2, 1}),
-                         [](const auto& info) {
-                             return std::to_string(static_cast<int>(info.param.rate)) + "Hz_order" +
-                                    std::to_string(info.param.order) + "_mode" + std::to_string(info.param.mode);
-                         });
 
 // A hostile sample is measured as silence: the readings go on exactly as if a 0 had come,
 // finite all the way, in both routines.

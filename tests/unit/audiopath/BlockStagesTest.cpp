@@ -101,22 +101,16 @@ TEST(MidSide, NeedsTwoConnectedDistinctBuffersEachWay) {
     EXPECT_EQ(Buffers::resolve(missing, out, true, true).in[1], l);
 }
 
-TEST(GainSmoother, GlidesToItsTargetWithoutStepsAndFadesOutWithoutDenormals) {
+// The step bound and monotony of the glide are checked through the engine's output.
+TEST(GainSmoother, GlidesAt30HzAtEveryRateAndFadesOutWithoutDenormals) {
     for (double rate : {44100.0, 192000.0}) {
         dsp::GainSmoother g(rate);
         g.setTarget(dsp::GainSmoother::targetFromParameter(1.0));
         EXPECT_NEAR(20.0 * std::log10(g.target()), 12.0, 1e-12);  // the Output parameter's top
         const double delta = g.target() - g.current();
-        double previous = g.current(), largestStep = 0.0;
         int toOneOverE = -1;
-        for (int n = 1; n <= static_cast<int>(rate); ++n) {
-            const double v = g.next();
-            ASSERT_GE(v, previous);
-            largestStep = std::max(largestStep, v - previous);
-            if (toOneOverE < 0 && g.target() - v < delta / std::numbers::e) toOneOverE = n;
-            previous = v;
-        }
-        EXPECT_LE(largestStep, g.coefficient() * delta * (1.0 + 1e-12));
+        for (int n = 1; n <= static_cast<int>(rate); ++n)
+            if (g.target() - g.next() < delta / std::numbers::e && toOneOverE < 0) toOneOverE = n;
         EXPECT_NEAR(g.current(), g.target(), 1e-12);
         EXPECT_NEAR(toOneOverE, rate / (2.0 * kPi * 30.0), 2.0);  // a 30 Hz one-pole
 

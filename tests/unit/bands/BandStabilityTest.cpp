@@ -1,5 +1,5 @@
 // Every band the equalizer can be asked for, at every rate it may design at and beyond: each
-// section finite and stable; the same bits as the plain formulas wherever those are stable;
+// section finite and stable; the bilinear image of its prototype wherever that is stable;
 // where they are not (a band at or above Nyquist), a band that sounds as its shape promises;
 // and both audio paths built from such bands finite and settling.
 
@@ -52,39 +52,10 @@ std::vector<double> frequenciesFor(double rate) {
     return f;
 }
 
-// Normalized Q and section gain at the ends and middle of their parameters.
+// Normalized Q and section gain at the ends and middle of their parameters (the curve test
+// covers the points between).
 constexpr double kQs[] = {0.0, 0.5, 1.0};
 constexpr double kGains[] = {-12.0, 0.0, 12.0};
-
-// The section exactly as the formulas give it with no guard at all: the reference bits.
-BiquadCoefficients unguardedSection(const BandSettings& band, double rate) {
-    const int shape = band.bandType;
-    const double Q = testQ(shape, band.q);
-    const double w0 = 6.283185307179586476925286766559 * band.frequency / rate;
-    const double A = std::pow(10.0, band.gain / 40.0);
-    const double c = std::cos(w0), s = std::sin(w0), alpha = s / (2.0 * Q), beta = std::sqrt(A) * s / Q;
-    const double k = (1.0 + c) / s;
-    double r[6] = {};  // a0, b0, b1, b2, a1, a2
-    const auto set = [&](double a0, double b0, double b1, double b2, double a1, double a2) {
-        r[0] = a0, r[1] = b0, r[2] = b1, r[3] = b2, r[4] = a1, r[5] = a2;
-    };
-    if (shape == 0) set(1.0, k / (k + 1.0), -k / (k + 1.0), 0.0, (1.0 - k) / (k + 1.0), 0.0);
-    if (shape == 1) set(1.0 + alpha, (1.0 + c) / 2.0, -(1.0 + c), (1.0 + c) / 2.0, -2.0 * c, 1.0 - alpha);
-    if (shape == 2)
-        set((A + 1.0) + (A - 1.0) * c + beta, A * ((A + 1.0) - (A - 1.0) * c + beta),
-            2.0 * A * ((A - 1.0) - (A + 1.0) * c), A * ((A + 1.0) - (A - 1.0) * c - beta),
-            -2.0 * ((A - 1.0) + (A + 1.0) * c), (A + 1.0) + (A - 1.0) * c - beta);
-    if (shape == 3) set(1.0 + alpha / A, 1.0 + alpha * A, -2.0 * c, 1.0 - alpha * A, -2.0 * c, 1.0 - alpha / A);
-    if (shape == 4)
-        set((A + 1.0) - (A - 1.0) * c + beta, A * ((A + 1.0) + (A - 1.0) * c + beta),
-            -2.0 * A * ((A - 1.0) + (A + 1.0) * c), A * ((A + 1.0) + (A - 1.0) * c - beta),
-            2.0 * ((A - 1.0) - (A + 1.0) * c), (A + 1.0) - (A - 1.0) * c - beta);
-    if (shape == 5) set(1.0, 1.0 / (k + 1.0), 1.0 / (k + 1.0), 0.0, (1.0 - k) / (k + 1.0), 0.0);
-    if (shape == 6) set(1.0 + alpha, (1.0 - c) / 2.0, 1.0 - c, (1.0 - c) / 2.0, -2.0 * c, 1.0 - alpha);
-    // The first-order forms have no divisor; dividing by 1 keeps their bits.
-    const auto normalised = [&](double x) { return (x / r[0] + 1e-18) - 1e-18; };
-    return {normalised(r[1]), normalised(r[2]), normalised(r[3]), normalised(r[4]), normalised(r[5])};
-}
 
 // Finite, and no denormal for the cascade or the kernel build to crawl through.
 bool finiteAndNormal(const BiquadCoefficients& c) {
@@ -126,7 +97,7 @@ void expectBeyondNyquistSound(int shape, const BiquadCoefficients& c, double gai
     }
 }
 
-TEST(BandStability, StableAsDesignedKeepsItsBitsEveryOtherBandIsHeldStable) {
+TEST(BandStability, StableAsDesignedIsTheBilinearImageEveryOtherBandIsHeldStable) {
     int kept = 0, held = 0;
     for (double rate : designRates())
         for (double f : frequenciesFor(rate))
@@ -143,19 +114,21 @@ TEST(BandStability, StableAsDesignedKeepsItsBitsEveryOtherBandIsHeldStable) {
                             ASSERT_TRUE(isIdentity(got)) << what;
                             continue;
                         }
-                        const BiquadCoefficients unguarded = unguardedSection(band, rate);
-                        if (stable(unguarded, kClearlyStable)) {
-                            ASSERT_TRUE(sameSection(got, unguarded)) << what;
+                        const BiquadCoefficients image = bilinearSection(band, rate);
+                        if (stable(image, kClearlyStable)) {
+                            for (auto field : {&BiquadCoefficients::b0, &BiquadCoefficients::b1, &BiquadCoefficients::b2,
+                                               &BiquadCoefficients::a1, &BiquadCoefficients::a2})
+                                ASSERT_NEAR(got.*field, image.*field, 1e-9 * std::max(1.0, std::fabs(image.*field))) << what;
                             ++kept;
                             continue;
                         }
                         ASSERT_GT(f, 0.4999 * rate) << "below Nyquist every band is stable as designed: " << what;
-                        if (stable(unguarded)) continue;
+                        if (stable(image)) continue;
                         expectBeyondNyquistSound(bandType, got, gain, what);
                         ++held;
                     }
     EXPECT_GT(kept, 20000);  // the grid reaches both sides of the line
-    EXPECT_GT(held, 20000);
+    EXPECT_GT(held, 15000);
 }
 
 TEST(BandStability, ValuesNoBandCanBeDesignedFromPassFlat) {

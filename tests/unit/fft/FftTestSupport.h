@@ -1,7 +1,6 @@
 #pragma once
-// Independent truth for the transform tests: the discrete Fourier transform and its synthesis
-// evaluated term by term in long double, straight from their definitions, and helpers to move
-// signals in and out of the transform buffer's layout.
+// Independent truth for the transform tests: the discrete Fourier transform evaluated term by
+// term in long double, and helpers to move signals in and out of the transform buffer's layout.
 
 #include <cmath>
 #include <complex>
@@ -45,19 +44,6 @@ inline LongComplex dftBin(const std::vector<double>& x, int k) {
     return {re, im};
 }
 
-// The unnormalised synthesis the inverse transform computes, at sample t:
-// X[0] + (−1)^t X[N] + Σ_{k=1}^{N−1} (Re X[k] cos(πkt/N) − Im X[k] sin(πkt/N)).
-inline long double synthesis(const std::vector<std::complex<double>>& bins, int t) {
-    const int n = static_cast<int>(bins.size()) - 1;
-    const auto& r = roots(n);
-    long double sum = bins[0].real() + ((t & 1) ? -1.0L : 1.0L) * bins[n].real();
-    for (int k = 1; k < n; ++k) {
-        const LongComplex& w = r[static_cast<size_t>(static_cast<int64_t>(k) * t % (2 * n))];
-        sum += bins[k].real() * w.real() - bins[k].imag() * w.imag();
-    }
-    return sum;
-}
-
 inline std::vector<double> randomSignal(size_t count, uint32_t seed) {
     std::mt19937 rng(seed);
     std::uniform_real_distribution<double> u(-1.0, 1.0);
@@ -76,16 +62,6 @@ inline std::complex<double> readBin(const double* spectrum, int n, int k) {
     if (k == n) return {spectrum[1], 0.0};
     const int p = dsp::spectrumPairOfBin(n, k);
     return {spectrum[2 * p], spectrum[2 * p + 1]};
-}
-
-inline void writeBin(double* spectrum, int n, int k, std::complex<double> value) {
-    if (k == 0 || k == n) {
-        spectrum[k == 0 ? 0 : 1] = value.real();
-        return;
-    }
-    const int p = dsp::spectrumPairOfBin(n, k);
-    spectrum[2 * p] = value.real();
-    spectrum[2 * p + 1] = value.imag();
 }
 
 // Accumulates sqrt(Σ|got − want|² / Σ|want|²).

@@ -1,5 +1,6 @@
-// The four operations of every family at every frame size, against the definitions; the
-// buffer layouts they share; and the families against each other.
+// The four operations of every family at every frame size, against the definitions (the
+// inverse through the convolution the engine uses it for); the buffer layouts they share; and
+// the families against each other.
 
 #include <gtest/gtest.h>
 
@@ -9,10 +10,8 @@
 #include <tuple>
 #include <vector>
 
-#include "dsp/AlignedBuffer.h"
 #include "FftTestSupport.h"
-#include "dsp/Fft.h"
-#include "dsp/FftLayout.h"
+#include "dsp/AlignedBuffer.h"
 
 namespace {
 
@@ -62,25 +61,9 @@ TEST_P(FftAtSize, ForwardMatchesDirectDft) {
     EXPECT_LE(error.value(), kMaxRelativeRms);
 }
 
-TEST_P(FftAtSize, InverseMatchesDirectSynthesis) {
-    const std::vector<double> values = randomSignal(2 * n(), 12);
-    std::vector<std::complex<double>> bins(n() + 1);
-    for (int k = 0; k <= n(); ++k) bins[k] = {values[2 * k % (2 * n())], (k == 0 || k == n()) ? 0.0 : values[2 * k + 1]};
-    AlignedBuffer buffer(2 * n());
-    for (int k = 0; k <= n(); ++k) writeBin(buffer.data(), n(), k, bins[k]);
-    fft().inverse(buffer.data(), n());
-
-    RelativeRms error;
-    for (int t : binsToCheck()) {  // as sample indexes: the same spread over 0..N
-        error.add(buffer[dsp::sampleEntry(n(), t)], synthesis(bins, t));
-        error.add(buffer[dsp::sampleEntry(n(), 2 * n() - 1 - t)], synthesis(bins, 2 * n() - 1 - t));
-    }
-    EXPECT_LE(error.value(), kMaxRelativeRms);
-}
-
 // inverse(multiply(forward(x), scale(forward(k)))) against the circular convolution summed
-// directly (which also pins the scale of the real bins against the others). The signal is short and sits across the buffer's end, so the sum wraps round; the
-// kernel has N + 1 taps, the length the engine uses.
+// directly, which also pins the scale of the real bins against the others. The short signal
+// sits across the buffer's end so that the sum wraps; the kernel has the engine's N + 1 taps.
 TEST_P(FftAtSize, ProductOfSpectraIsCircularConvolution) {
     const int two = 2 * n();
     const int length = 300, start = two - 150;
@@ -173,12 +156,6 @@ TEST(FftLayout, FrameSizesSampleEntriesAndBinPositions) {
             ASSERT_EQ(dsp::binOfSpectrumPair(n, p), k) << "N = " << n << " pair " << p;
         }
     }
-}
-
-TEST(FftFamilies, ThePreferredFamilyRunsHere) {
-    EXPECT_TRUE(dsp::fftFamilyUsable(FftFamily::Scalar));
-    EXPECT_TRUE(dsp::fftFamilyUsable(dsp::preferredFftFamily()));
-    EXPECT_EQ(Fft().family(), dsp::preferredFftFamily());
 }
 
 }  // namespace

@@ -75,16 +75,11 @@ inline std::vector<long double> impulseResponse(const Sections& s, int side, siz
     return h;
 }
 
-// How far the spectrum of the designed kernel may lie from |H|² at any frequency.
-//
-// The kernel (less its delay of N/2) is g[m] = c_T[m]·w[m], |m| ≤ N/2, where c_T is the
-// autocorrelation of h truncated to h[0..N/2] and w[m] = 0.54 + 0.46·cos(2πm/N) the Hamming
-// window centred on m = 0. The exact autocorrelation c of the untruncated h has the spectrum
-// Σ_m c[m]·e^(−jwm) = |H(e^jw)|² exactly. So at every w
-//   |G(w) − |H|²| = |Σ_m (g[m] − c[m])·e^(−jwm)| ≤ Σ_{|m|≤N/2} |c_T[m]·w[m] − c[m]| + Σ_{|m|>N/2} |c[m]|,
-// a bound that holds at every frequency at once. It is the window's smoothing (the taper
-// 1 − w[m] ≈ 0.46·2π²m²/N² weighting the correlation's spread) plus the truncation of h; it is
-// small when the response's features are wide against the frame (h short against N/2).
+// How far the designed kernel's spectrum may lie from |H|² at any frequency. The kernel (less
+// its N/2 delay) is g[m] = c_T[m]·w[m], |m| ≤ N/2: the autocorrelation of h truncated to
+// h[0..N/2] under the Hamming window w[m] = 0.54 + 0.46·cos(2πm/N). The full autocorrelation c
+// has the spectrum |H|² exactly, so at every w
+//   |G(w) − |H|²| ≤ Σ_{|m|≤N/2} |c_T[m]·w[m] − c[m]| + Σ_{|m|>N/2} |c[m]|.
 inline long double spectrumBound(const Sections& s, int side, int n) {
     const std::vector<long double> h = impulseResponse(s, side);
     const long H = static_cast<long>(h.size());
