@@ -17,7 +17,6 @@ public:
 
     // The smoothing factor k = 1 − exp(−2π·30 / rate); the current gain is kept.
     void setRate(double hostRate) { k_ = 1.0 - std::exp(-2.0 * std::numbers::pi * kCornerHz / hostRate); }
-    double coefficient() const { return k_; }
 
     void setTarget(double gain) { target_ = gain; }
     double target() const { return target_; }
