@@ -177,8 +177,6 @@ protected:
             fillBurst(doubles, frames, kind, rng);
             plugin->process(doubles.inputs, doubles.outputs, frames);
         }
-        // Hosts send automation from the audio thread as well.
-        if (rng() % 8 == 0) plugin->setParameter(rng() % plugin->numParams(), std::uniform_real_distribution<float>(0, 1)(rng));
     }
 
     // Control thread: one hostile action.
