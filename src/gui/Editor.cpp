@@ -4,70 +4,18 @@
 
 #include "gui/EditorEffect.h"
 #include "gui/toolkit/CBitmap.h"
-#include "gui/toolkit/COnOffButton.h"
+#include "gui/toolkit/CControl.h"
 #include "presets/Parameters.h"
 #include "vst/AudioEffect.h"
 
 namespace {
 
-// Bitmap numbers of the plug-in's artwork that the frame and its buttons use.
 constexpr int kBackgroundBitmap = 128;
-constexpr int kFatBitmap = 153;
-constexpr int kLinPhaseBitmap = 157;
-constexpr int kPowerBitmap = 158;
-
-// Tags of the reset areas left of the knob rows; the other tags are parameter indexes.
-enum ResetTag : int32_t { kAllBandsOff = 95, kResetFrequencies = 96, kResetGains = 97, kResetQ = 98 };
-
-struct ButtonPlace {
-    int tag;
-    CRect rect;
-    int bitmap;
-};
-constexpr ButtonPlace kFatPlace{params::kFat, CRect(644, 254, 681, 293), kFatBitmap};
-constexpr ButtonPlace kLinPhasePlace{params::kLinPhase, CRect(650, 309, 689, 347), kLinPhaseBitmap};
-constexpr ButtonPlace kPowerPlace{params::kPower, CRect(660, 444, 696, 481), kPowerBitmap};
-
-struct ResetPlace {
-    int tag;
-    CRect rect;
-};
-constexpr ResetPlace kResetPlaces[] = {
-    {kAllBandsOff, CRect(28, 229, 49, 285)},
-    {kResetFrequencies, CRect(28, 286, 49, 342)},
-    {kResetGains, CRect(28, 344, 49, 400)},
-    {kResetQ, CRect(28, 401, 49, 457)},
-};
 
 // Reset frequencies: 50, 100, 250, 500, 1000, 2000, 10000 and 15000 Hz.
 constexpr float kResetFrequencyValues[params::kBands] = {0.132647f, 0.23299f, 0.365637f, 0.46598f,
                                                          0.566323f, 0.666667f, 0.899657f, 0.958354f};
 constexpr float kNeutralValue = 0.5f;  // 0 dB gain, the middle Q
-
-// Channel as the editor reads it: the step, not the stored form.
-enum ChannelStep : int { kLeftStep = 0, kRightStep = 1, kLinkStep = 2 };
-
-// An invisible area that reports one click (the panel prints its label).
-class CResetArea : public CControl {
-public:
-    CResetArea(const CRect& size, CControlListener* listener, int32_t tag) : CControl(size, listener, tag) {}
-    void draw(CDrawContext* /*context*/) override { setDirty(false); }
-    CMouseEventResult onMouseDown(CPoint& /*where*/, const CButtonState& buttons) override {
-        if (!buttons.isLeftButton()) return kMouseEventNotHandled;
-        value = 1;
-        valueChanged();
-        value = 0;
-        return kMouseDownEventHandledButDontNeedMovedOrUpEvents;
-    }
-    const char* getClassName() const override { return "CResetArea"; }
-};
-
-CControl* makeButton(const ButtonPlace& place, CControlListener* listener) {
-    auto* bitmap = new CBitmap(place.bitmap);
-    auto* button = new COnOffButton(place.rect, listener, place.tag, bitmap);
-    bitmap->forget();
-    return button;
-}
 
 }  // namespace
 
@@ -117,11 +65,10 @@ bool Editor::build() {
     myframe->setBackground(background);
     background->forget();
 
-    fatButton = makeButton(kFatPlace, this);
-    linPhaseButton = makeButton(kLinPhasePlace, this);
-    powerButton = makeButton(kPowerPlace, this);
-    for (CControl* button : {fatButton, linPhaseButton, powerButton}) myframe->addView(button);
-    for (const ResetPlace& place : kResetPlaces) myframe->addView(new CResetArea(place.rect, this, place.tag));
+    // Later groups draw over earlier ones (a type switch's pop-up over the knobs).
+    buildPlot(myframe);
+    buildValueControls(myframe);
+    buildSwitches(myframe);
 
     CPresetSystemEditor::open(systemWindow);
     // The stored option works from the start, as its button shows it.
@@ -140,7 +87,9 @@ void Editor::release() {
     opened.store(false, std::memory_order_release);
     if (!frame) return;
     CPresetSystemEditor::close();
-    powerButton = fatButton = linPhaseButton = nullptr;
+    releasePlot();
+    releaseValueControls();
+    releaseSwitches();
     delete frame;
     frame = nullptr;
     systemWindow = nullptr;
@@ -160,6 +109,9 @@ void Editor::idle() {
     }
     animation.advanceRange(elapsed, parameter(params::kPlotRange));
     animation.advanceFade(elapsed, params::quantize(parameter(params::kSpan), 2) == 1);
+    idleValueControls(elapsed);
+    idleSwitches(elapsed);
+    idlePlot(elapsed);
     frame->idle();
 }
 
@@ -215,12 +167,17 @@ void Editor::valueChanged(CControl* control) {
             resetBands(tag);
             return;
         default:
-            if (tag >= params::kType && tag < params::kTypeR) setBandType(tag, v);
+            if (tag >= params::kType && tag < params::kTypeR) {
+                setBandType(tag, v);
+            } else {
+                valueControlChanged(control);
+            }
     }
 }
 
 void Editor::setBandType(int tag, float value) {
     const int band = tag - params::kType;
+    plotSelectBand(band);
     const int channel = params::quantize(parameter(params::kChannel), 3);
     if (channel != kRightStep) setAutomated(tag, value);
     if (channel != kLeftStep) setAutomated(tag + params::kBands, value);
@@ -274,18 +231,12 @@ void Editor::setParameter(VstInt32 index, float value) {
 }
 
 void Editor::showParameter(int index, float value) {
-    CControl* button = nullptr;
-    switch (index) {
-        case params::kPower: button = powerButton; break;
-        case params::kFat: button = fatButton; break;
-        case params::kLinPhase: button = linPhaseButton; break;
-        case params::kPlotRange:
-            // While AutoZoom runs, the idle eases the shown range toward the parameter.
-            if (params::quantize(parameter(params::kAutoZoom), 2) == 0) animation.showRange(value);
-            return;
-        default: return;
-    }
-    if (button) button->setValue(static_cast<float>(params::quantize(value, 2)));
+    // While AutoZoom runs, the idle eases the shown range toward the parameter.
+    if (index == params::kPlotRange && params::quantize(parameter(params::kAutoZoom), 2) == 0)
+        animation.showRange(value);
+    showPlotParameter(index, value);
+    showValueControlsParameter(index, value);
+    showSwitchesParameter(index, value);
 }
 
 void Editor::showAllParameters() {

@@ -27,10 +27,28 @@ private:
     bool keyboardFocus = false;
 };
 
-// The callbacks that the plug-in's custom controls call.
+// The callbacks that the plug-in's custom controls call besides valueChanged.
 class CExtendedListener : public CPresetSystemEditor {
 public:
     explicit CExtendedListener(AudioEffect* effect) : CPresetSystemEditor(effect) {}
+
+    // Band 0..7 shown in the header and marked in the plot, or -1 to clear both; flag 1 when
+    // the pointer is over a frequency field.
+    virtual void hoverBand(int band, int flag) = 0;
+    // Makes band 0..7 the editor's selected band.
+    virtual void selectBand(int band) = 0;
+    // The band whose frequency field was right-clicked (0..7), or -1 when the pointer left it.
+    virtual void setFocusBand(int band) = 0;
+    // Solo mask from the solo strip (bit b = band b); bands off on both sides are dropped.
+    virtual void setSoloMask(int mask) = 0;
+    // The information spot was clicked.
+    virtual void infoClicked() = 0;
+
+    // --- value controls: header, jog, edit knobs
+
+    // --- switches, solo strip, small views, meters
+
+    // --- response plot and settings page
 };
 
 class Editor : public CExtendedListener {
@@ -38,6 +56,10 @@ public:
     static constexpr short kWidth = 750;
     static constexpr short kHeight = 509;
     static constexpr uint32_t kIdleIntervalMs = 25;
+    // Tags of the reset areas left of the knob rows; the other tags are parameter indexes.
+    enum ResetTag : int32_t { kAllBandsOff = 95, kResetFrequencies = 96, kResetGains = 97, kResetQ = 98 };
+    // Channel as the editor reads it: the step, not the stored form.
+    enum ChannelStep : int { kLeftStep = 0, kRightStep = 1, kLinkStep = 2 };
 
     explicit Editor(AudioEffect* effect);
     ~Editor() override;
@@ -71,10 +93,49 @@ public:
     float shownPlotRange() const { return animation.shownRange(); }
     int displayOpacity() const { return animation.displayOpacity(); }
 
+    // --- value controls: header, jog, edit knobs (EditorValueControls.cpp)
+    void hoverBand(int band, int flag) override;
+    void selectBand(int band) override;
+    void setFocusBand(int band) override;
+    // The header's analyzer-drive line, shown for a second after each drive change.
+    void showDrive(float dB);
+
+    // --- switches, solo strip, small views, meters (EditorSwitches.cpp)
+    void setSoloMask(int mask) override;
+
+    // --- response plot and settings page (EditorPlot.cpp)
+    void infoClicked() override;
+    void clearHeldBars();
+    void showSettingsPage();
+    // The plot marks the hovered band (-1 none) and takes the selected one.
+    void plotHoverBand(int band);
+    void plotSelectBand(int band);
+
 private:
     bool build();
     void release();
     void showParameter(int index, float value);
+
+    // Each group of controls is built, released, shown and animated by its own file.
+    // --- value controls (EditorValueControls.cpp)
+    void buildValueControls(CFrame* frame);
+    void releaseValueControls();
+    void showValueControlsParameter(int index, float value);
+    // Changes of value controls not handled by valueChanged's common tags.
+    void valueControlChanged(CControl* control);
+    void idleValueControls(uint32_t elapsedMs);
+
+    // --- switches, solo strip, small views, meters (EditorSwitches.cpp)
+    void buildSwitches(CFrame* frame);
+    void releaseSwitches();
+    void showSwitchesParameter(int index, float value);
+    void idleSwitches(uint32_t elapsedMs);
+
+    // --- response plot and settings page (EditorPlot.cpp)
+    void buildPlot(CFrame* frame);
+    void releasePlot();
+    void showPlotParameter(int index, float value);
+    void idlePlot(uint32_t elapsedMs);
     void showAllParameters();
     float parameter(int index) const;
     void setAutomated(int index, float value);
@@ -93,7 +154,12 @@ private:
     bool monoInput = false;
 
     // Controls owned by the frame; null while closed.
+    // --- value controls
+
+    // --- switches, solo strip, small views, meters
     CControl* powerButton = nullptr;
     CControl* fatButton = nullptr;
     CControl* linPhaseButton = nullptr;
+
+    // --- response plot
 };

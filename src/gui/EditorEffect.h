@@ -14,6 +14,26 @@ public:
     // While AutoZoom is on: PlotRange set to the range the current response needs.
     virtual void applyAutoZoom() = 0;
 
+    // The held output peaks of both channels (largest absolute sample since the last clear).
+    virtual void getOutputPeaks(float& first, float& second) const = 0;
+    virtual void resetOutputPeaks() = 0;
+
+    // The analyzer's 31 band levels in dB, highest band first.
+    virtual void getAnalyzerBars(float* out) = 0;
+    // Band audition while the user holds a band: band 0..7 or -1 to end it; width and level 0..1.
+    virtual void setAuditionBand(int band) = 0;
+    virtual void setAuditionWidth(float width) = 0;
+    virtual void setAuditionLevel(float level) = 0;
+    // The latency-compensation mode of the settings page (0..2), stored with the global settings.
+    virtual void getLatencyMode(int& mode) const = 0;
+    virtual void setLatencyMode(int mode) = 0;
+
+    // --- value controls
+
+    // --- switches, solo strip, small views, meters
+
+    // --- response plot and settings page
+
 protected:
     ~EditorEffect() = default;
 };

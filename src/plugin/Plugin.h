@@ -68,19 +68,19 @@ public:
 
     // Editor-facing band setters (band 0..7, value normalized): they write the side or sides
     // that Channel selects and tell the host, without calling the editor back.
-    void setBandFrequency(int band, float value);
-    void setBandGain(int band, float value);
-    void setBandQ(int band, float value);
+    void setBandFrequency(int band, float value) override;
+    void setBandGain(int band, float value) override;
+    void setBandQ(int band, float value) override;
 
     // The analyzer's 31 band levels in dB, highest band first; nothing without an analyzer.
-    void getAnalyzerBars(float* out);
+    void getAnalyzerBars(float* out) override;
 
     // The user's global settings: read once at construction, written when the editor asks.
     void loadGlobalSettings();
-    bool saveGlobalSettings();
-    void getLatencyMode(int& mode) const { mode = latencyMode; }
+    bool saveGlobalSettings() override;
+    void getLatencyMode(int& mode) const override { mode = latencyMode; }
     // Only stored: the host is told at the next sample-rate or block-size change.
-    void setLatencyMode(int mode) { latencyMode = mode; }
+    void setLatencyMode(int mode) override { latencyMode = mode; }
 
     // The delay reported to the host, the processing path's own delay and the padding the
     // audio path adds so that the two agree, in host samples, for the current settings.
@@ -89,16 +89,16 @@ public:
     void updateReportedDelay();
     static constexpr size_t kLatencyTextSize = 64;
     // "(compensated) 24638 samples (558.68 ms)"; text holds kLatencyTextSize bytes.
-    void getLatencyText(char* text) const;
+    void getLatencyText(char* text) const override;
 
     // Band audition, driven by the editor while the user holds a band: band 0..7, or −1 to
     // end it; width and level in 0..1 (start at 0.5) shape the band-pass that is heard.
-    void setAuditionBand(int band);
-    void setAuditionWidth(float width);
-    void setAuditionLevel(float level);
+    void setAuditionBand(int band) override;
+    void setAuditionWidth(float width) override;
+    void setAuditionLevel(float level) override;
 
-    void getOutputPeaks(float& a, float& b) const;
-    void resetOutputPeaks();
+    void getOutputPeaks(float& a, float& b) const override;
+    void resetOutputPeaks() override;
 
     // Response curves in dB on the plot grid, filled by the band design.
     const dsp::Curve& getTotalCurves(int side) const { return bandModel.totalCurve(side); }
