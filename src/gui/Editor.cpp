@@ -61,6 +61,7 @@ bool Editor::openOffscreen() {
 bool Editor::build() {
     auto* myframe = new MyFrame(CRect(0, 0, kWidth, kHeight));
     frame = myframe;
+    myframe->setEventLock(&editorLock);
     auto* background = new CBitmap(kBackgroundBitmap);
     myframe->setBackground(background);
     background->forget();

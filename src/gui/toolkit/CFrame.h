@@ -22,6 +22,10 @@ public:
     virtual bool idle(CFrame& frame) = 0;
 };
 
+namespace platform {
+class TimedLock;
+}
+
 class CFrame : public CView {
 public:
     explicit CFrame(const CRect& size);
@@ -31,6 +35,11 @@ public:
     // (the frame then stays off screen).
     bool open(void* parentWindow);
     bool isWindowOpen() const { return window != nullptr; }
+    // The owner's lock over its controls. A host may deliver window events by itself, outside
+    // the owner's idle; the window takes this lock around each of them, so that controls are
+    // only ever touched under it. Unset (null), events are delivered without a lock.
+    void setEventLock(platform::TimedLock* lock) { eventLock = lock; }
+    platform::TimedLock* getEventLock() const { return eventLock; }
 
     // The frame owns added views and deletes them when they are removed or it goes away.
     void addView(CView* view);
@@ -95,6 +104,7 @@ private:
     CBitmap* background = nullptr;
     CColor backgroundColor = kBlackCColor;
     CView* focusView = nullptr;
+    platform::TimedLock* eventLock = nullptr;
     CView* modalView = nullptr;
     CView* mouseDownView = nullptr;
     CView* mouseOverView = nullptr;

@@ -11,12 +11,15 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <vector>
 
 #include "gui/toolkit/CFrame.h"
 #include "gui/toolkit/FrameWindow.h"
+#include "platform/TimedLock.h"
 
 namespace {
 
@@ -158,6 +161,9 @@ public:
         for (X11FrameWindow* w : openWindows()) {
             if (w->window != event->xany.window) continue;
             if (isInputEvent(event->type)) w->hostDispatches = true;
+            // Here the host calls in from outside the owner's idle: take the owner's lock.
+            std::optional<platform::TimedLock::Guard> guard;
+            if (platform::TimedLock* lock = w->frame.getEventLock()) guard.emplace(*lock, INT_MAX);
             ErrorTrap trap(w->display);
             w->handle(*event);
             return;

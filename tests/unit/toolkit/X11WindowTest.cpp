@@ -90,18 +90,8 @@ TEST_F(X11Window, HostsMayDispatchEventsThroughTheEventProcProperty) {
     ASSERT_TRUE(frame.open(reinterpret_cast<void*>(parent)));
     const Window child = children().at(0);
 
-    const Atom atom = XInternAtom(display, "_XEventProc", False);
-    Atom type;
-    int format;
-    unsigned long items, after;
-    unsigned char* data = nullptr;
-    ASSERT_EQ(XGetWindowProperty(display, child, atom, 0, 2, False, AnyPropertyType, &type, &format, &items, &after, &data),
-              Success);
-    ASSERT_EQ(items, 2u);
-    const long* halves = reinterpret_cast<const long*>(data);
-    const uintptr_t address = (static_cast<uintptr_t>(halves[1]) << 32) | (static_cast<uintptr_t>(halves[0]) & 0xffffffffu);
-    XFree(data);
-    auto* proc = reinterpret_cast<void (*)(XEvent*)>(address);
+    const EventProc proc = eventProcOf(child);
+    ASSERT_NE(proc, nullptr);
 
     XEvent event{};
     event.xbutton.type = ButtonPress;

@@ -7,6 +7,7 @@
 #include <X11/Xlib.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <thread>
@@ -59,6 +60,25 @@ protected:
         std::vector<Window> out(list, list + count);
         if (list) XFree(list);
         return out;
+    }
+
+    // The callback a frame's window publishes for hosts that dispatch its events themselves.
+    using EventProc = void (*)(XEvent*);
+    EventProc eventProcOf(Window window) {
+        const Atom atom = XInternAtom(display, "_XEventProc", False);
+        Atom type;
+        int format;
+        unsigned long items = 0, after;
+        unsigned char* data = nullptr;
+        if (XGetWindowProperty(display, window, atom, 0, 2, False, AnyPropertyType, &type, &format, &items, &after,
+                               &data) != Success || items != 2) {
+            if (data) XFree(data);
+            return nullptr;
+        }
+        const long* halves = reinterpret_cast<const long*>(data);
+        const uintptr_t address = (static_cast<uintptr_t>(halves[1]) << 32) | (static_cast<uintptr_t>(halves[0]) & 0xffffffffu);
+        XFree(data);
+        return reinterpret_cast<EventProc>(address);
     }
 
     static int countXError(Display*, XErrorEvent*) {
