@@ -1,6 +1,9 @@
 // The editor's switches, buttons, solo strip, small views and level meters: where they sit, and
 // how parameter values reach them.
 
+#include <algorithm>
+#include <iterator>
+
 #include "gui/Editor.h"
 #include "gui/EditorEffect.h"
 #include "gui/controls/CInfo.h"
@@ -85,7 +88,6 @@ void Editor::buildSwitches(CFrame* frame) {
         meters[channel] = new CMeter(kMeterRects[channel], this, face.bitmap, font.bitmap, secondFont.bitmap, channel);
         frame->addView(meters[channel]);
     }
-    // Last: an open type list lies over the controls above (the frame draws it on top anyway).
     for (int b = 0; b < params::kBands; ++b) {
         CRect rect = kFirstTypeSwitch;
         rect.offset(kTypeSwitchPitch * b, 0);

@@ -1,5 +1,7 @@
 #include "gui/controls/CMySwitch.h"
 
+#include <algorithm>
+
 #include "gui/Editor.h"
 #include "gui/toolkit/CBitmap.h"
 #include "gui/toolkit/CDrawContext.h"
@@ -28,7 +30,7 @@ public:
         if (owner) owner->drawPopup(context);
     }
     CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override {
-        if (owner) owner->popupClicked(where, buttons);  // may delete this view
+        if (owner) owner->popupClicked(where, buttons);  // may close this list
         return kMouseDownEventHandledButDontNeedMovedOrUpEvents;
     }
     CMouseEventResult onMouseUp(CPoint&, const CButtonState&) override { return kMouseEventHandled; }
@@ -79,11 +81,16 @@ void CMySwitch::draw(CDrawContext* context) {
     }
 }
 
+// The seven rows and a one-pixel frame round them.
+CRect CMySwitch::listBox(int shape) const {
+    CRect box = popupRow(size, cellOffset, shape, 0);
+    return box.unite(popupRow(size, cellOffset, shape, kShapes - 1)).inset(-1, -1);
+}
+
 void CMySwitch::drawPopup(CDrawContext* context) const {
     const int shape = openStep % kShapes;
     const bool bypassed = openStep >= kShapes;
-    CRect box = popupRow(size, cellOffset, shape, 0);
-    box.unite(popupRow(size, cellOffset, shape, kShapes - 1)).inset(-1, -1);
+    const CRect box = listBox(shape);
     context->setFillColor(kListFill);
     context->setFrameColor(kListFrame);
     context->drawRect(box, kDrawFilledAndStroked);
@@ -109,11 +116,8 @@ CMouseEventResult CMySwitch::onMouseDown(CPoint& where, const CButtonState& butt
 void CMySwitch::openPopup() {
     if (!frame || popup) return;
     openStep = step();
-    const int shape = openStep % kShapes;
-    CRect box = popupRow(size, cellOffset, shape, 0);
-    box.unite(popupRow(size, cellOffset, shape, kShapes - 1)).inset(-1, -1);
     // The frame owns the list from here; it goes away when the list closes or the frame does.
-    auto* list = new CMySwitchPopup(*this, box);
+    auto* list = new CMySwitchPopup(*this, listBox(openStep % kShapes));
     frame->setModalView(list);
     popup = list;
 }
@@ -127,7 +131,11 @@ void CMySwitch::popupClicked(const CPoint& where, const CButtonState& buttons) {
 }
 
 void CMySwitch::closePopup() {
-    if (popup && frame && frame->getModalView() == popup) frame->setModalView(nullptr);
+    if (!popup) return;
+    CMySwitchPopup* list = popup;
+    list->switchGone();
+    popup = nullptr;
+    if (frame && frame->getModalView() == list) frame->setModalView(nullptr);
     setDirty();
 }
 

@@ -41,6 +41,7 @@ public:
 private:
     friend class CMySwitchPopup;
     int band() const;
+    CRect listBox(int shape) const;
     void openPopup();
     void drawPopup(CDrawContext* context) const;
     void popupClicked(const CPoint& where, const CButtonState& buttons);
