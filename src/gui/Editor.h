@@ -47,6 +47,11 @@ public:
     // --- value controls: header, jog, edit knobs
 
     // --- switches, solo strip, small views, meters
+    // The two held output peaks (largest absolute sample since the last clear); left as they
+    // are without an effect.
+    virtual void getOutputPeaks(float* first, float* second) = 0;
+    // Clears both held peaks and the plot's held bars.
+    virtual void resetOutputPeaks() = 0;
 
     // --- response plot and settings page
 };
@@ -102,6 +107,8 @@ public:
 
     // --- switches, solo strip, small views, meters (EditorSwitches.cpp)
     void setSoloMask(int mask) override;
+    void getOutputPeaks(float* first, float* second) override;
+    void resetOutputPeaks() override;
 
     // --- response plot and settings page (EditorPlot.cpp)
     void infoClicked() override;
@@ -160,6 +167,10 @@ private:
     CControl* powerButton = nullptr;
     CControl* fatButton = nullptr;
     CControl* linPhaseButton = nullptr;
+    CControl* resolutionSelector = nullptr;
+    CControl* typeSwitches[params::kBands] = {};
+    CControl* soloist = nullptr;
+    CControl* meters[2] = {};
 
     // --- response plot
 };
