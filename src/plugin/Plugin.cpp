@@ -223,7 +223,7 @@ void Plugin::applySetting(int index, float value) {
         case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
         case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
             // Analyzer and zoom settings belong to the user, not to a preset.
-            writeIntoEveryPreset(index, value);
+            storeInEveryPreset(index, value);
             if (analyzer) applyAnalyzerSetting(*analyzer, index, steps[index]);
             break;
         default: break;
@@ -262,11 +262,6 @@ void Plugin::storeBandValue(int side, int b, int field, float value) {
         case kQField: bandModel.setQ(side, b, value); break;
         case kGainField: bandModel.setGain(side, b, bandDesignGainDb(value)); break;
     }
-}
-
-void Plugin::writeIntoEveryPreset(int index, float value) {
-    if (!presets) return;
-    for (int p = 0; p < presets::kPresetCount; ++p) presets[p].values[index] = value;
 }
 
 void Plugin::setBandFrequency(int band, float value) { setBandFromEditor(band, kFreqField, value); }
