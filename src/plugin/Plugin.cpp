@@ -303,8 +303,17 @@ void Plugin::selectPreset(int index) {
     if (pluginEditor) pluginEditor->takePlotRange();
 }
 
+// The curves it reads are written by whichever thread holds the design lock, the audio thread
+// included when it automates a band.
 void Plugin::applyAutoZoom() {
-    if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
+    if (steps[kAutoZoom] != 1) return;
+    float zoom;
+    {
+        EqualizerControl::DesignScope design(equalizer);
+        if (!design) return;
+        zoom = bandModel.autoZoom();
+    }
+    setParameter(kPlotRange, zoom);
 }
 
 // A first run (nothing stored yet) keeps the constructor's values; otherwise each value the

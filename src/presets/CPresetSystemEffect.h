@@ -85,8 +85,8 @@ public:
     // A copy of preset index taken under the bank lock; false (and out untouched) for an index
     // outside the bank, without a bank, or when the lock could not be had.
     bool copyPreset(int index, presets::PresetRecord& out);
-    // The bank, the template and each preset in place: only under a BankScope, or where no other
-    // thread can reach the effect (the image loaders and builders, tests).
+    // The bank, the template and each preset in place: only under a BankScope (the image loaders
+    // and builders take one), or where no other thread can reach the effect.
     const presets::PresetRecord* getPreset(int index) const;
     const presets::PresetRecord& getTemplate() const { return presetTemplate; }
     presets::PresetRecord* bankRecords() { return presets.get(); }

@@ -63,6 +63,7 @@ TEST_F(PresetBankThreads, WhileAnotherThreadHoldsTheBankTheAudioThreadsWritesWai
     processBlock();
     const float outputBefore = stored(params::kOutput);
     const float spareBefore = stored(kSpareSlot);
+    const float speed = params::stepCentre(5, 16);
     std::promise<void> held, release;
     std::thread holder([&] {
         CPresetSystemEffect::BankScope bank(*plugin);
@@ -73,6 +74,7 @@ TEST_F(PresetBankThreads, WhileAnotherThreadHoldsTheBankTheAudioThreadsWritesWai
     held.get_future().wait();
     plugin->setParameter(params::kOutput, 0.8f);  // must return although the bank is held
     plugin->setParameter(kSpareSlot, 0.3f);
+    plugin->setParameter(params::kSpanSpeed, speed);  // the analyzer's settings go into every preset
     processBlock();
     EXPECT_EQ(plugin->getParameter(params::kOutput), 0.8f);
     EXPECT_EQ(plugin->getParameter(kSpareSlot), 0.3f);
@@ -84,6 +86,7 @@ TEST_F(PresetBankThreads, WhileAnotherThreadHoldsTheBankTheAudioThreadsWritesWai
     EXPECT_EQ(stored(params::kOutput), 0.8f) << "the holder did not apply the write when it let go";
     EXPECT_EQ(stored(kSpareSlot), 0.3f);
     EXPECT_EQ(plugin->getParameter(kSpareSlot), 0.3f);
+    for (int p = 0; p < presets::kPresetCount; ++p) EXPECT_EQ(plugin->getPreset(p)->values[params::kSpanSpeed], speed) << p;
 }
 
 TEST_F(PresetBankThreads, AutomationWhileChunksLoadPresetsChangeAndNamesAreWritten) {
