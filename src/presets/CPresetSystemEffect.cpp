@@ -45,12 +45,14 @@ CPresetSystemEffect::BankScope::~BankScope() {
 void CPresetSystemEffect::settleBank() {
     PresetRecord* bank = presets.get();
     PresetRecord* current = bank ? &bank[currentPreset.load(std::memory_order_relaxed)] : nullptr;
+    toCurrentPreset.drain([current](int slot, float value) {
+        if (current) current->values[slot] = value;
+    });
+    // After the current preset's writes: a slot that goes into every preset is written into the
+    // current one as well, except while a preset is being applied, and that write is the newer.
     toEveryPreset.drain([bank](int slot, float value) {
         if (bank)
             for (int p = 0; p < kPresetCount; ++p) bank[p].values[slot] = value;
-    });
-    toCurrentPreset.drain([current](int slot, float value) {
-        if (current) current->values[slot] = value;
     });
     if (current)
         for (int slot = 0; slot < kPresetSlots; ++slot)
