@@ -223,7 +223,7 @@ void Plugin::applySetting(int index, float value) {
         case kSpan: case kSpanType: case kSpanColor: case kSpanSpeed: case kSpanMode: case kSpanHold:
         case kSpanResp: case kAutoZoom: case kSpanDrive: case kSpanWidth: case kSpanFilter:
             // Analyzer and zoom settings belong to the user, not to a preset.
-            writeIntoEveryPreset(index, value);
+            storeInEveryPreset(index, value);
             if (analyzer) applyAnalyzerSetting(*analyzer, index, steps[index]);
             break;
         default: break;
@@ -262,11 +262,6 @@ void Plugin::storeBandValue(int side, int b, int field, float value) {
         case kQField: bandModel.setQ(side, b, value); break;
         case kGainField: bandModel.setGain(side, b, bandDesignGainDb(value)); break;
     }
-}
-
-void Plugin::writeIntoEveryPreset(int index, float value) {
-    if (!presets) return;
-    for (int p = 0; p < presets::kPresetCount; ++p) presets[p].values[index] = value;
 }
 
 void Plugin::setBandFrequency(int band, float value) { setBandFromEditor(band, kFreqField, value); }
@@ -308,8 +303,17 @@ void Plugin::selectPreset(int index) {
     if (pluginEditor) pluginEditor->takePlotRange();
 }
 
+// The curves it reads are written by whichever thread holds the design lock, the audio thread
+// included when it automates a band.
 void Plugin::applyAutoZoom() {
-    if (steps[kAutoZoom] == 1) setParameter(kPlotRange, bandModel.autoZoom());
+    if (steps[kAutoZoom] != 1) return;
+    float zoom;
+    {
+        EqualizerControl::DesignScope design(equalizer);
+        if (!design) return;
+        zoom = bandModel.autoZoom();
+    }
+    setParameter(kPlotRange, zoom);
 }
 
 // A first run (nothing stored yet) keeps the constructor's values; otherwise each value the

@@ -120,7 +120,6 @@ private:
     bool applyBandParameter(int index, float value);
     void storeBandValue(int side, int b, int field, float value);
     void setBandFromEditor(int band, int field, float value);
-    void writeIntoEveryPreset(int index, float value);
     bool previewText(int index, float v, char* text);
     latency::EngineSettings latencySettings() const;
     void refreshActiveBands();

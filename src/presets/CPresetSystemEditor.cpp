@@ -159,9 +159,10 @@ bool CPresetSystemEditor::loadBankFile(const std::string& path, bool endianRever
     if (!bytes || !loadBankImage(bytes->data(), bytes->size(), endianReversed)) return false;
     // A bank from a file always opens at its first preset.
     CPresetSystemEffect* fx = presetEffect();
-    if (fx && fx->getCurrentPreset() != 0) {
+    presets::PresetRecord first;
+    if (fx && fx->getCurrentPreset() != 0 && fx->copyPreset(0, first)) {
         selectPresetMenuEntry(0);
-        showPresetName(fx->getPreset(0)->name);
+        showPresetName(first.name);
         fx->selectPreset(0);
     }
     return true;

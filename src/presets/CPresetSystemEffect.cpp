@@ -26,7 +26,7 @@ CPresetSystemEffect::CPresetSystemEffect(audioMasterCallback audioMaster)
     presets.reset(new (std::nothrow) PresetRecord[kPresetCount]());
     loadFactoryPresets();
     if (presets) {
-        presetTemplate = presets[0];
+        presetTemplate = presets[0];  // no other thread can reach the effect yet
         presets::LoadingFlag::Scope loading(isLoading);
         for (int slot = 0; slot < kPresetSlots; ++slot)
             CPresetSystemEffect::setParameter(slot, presets[0].values[slot]);
@@ -35,11 +35,53 @@ CPresetSystemEffect::CPresetSystemEffect(audioMasterCallback audioMaster)
 
 CPresetSystemEffect::~CPresetSystemEffect() = default;
 
+CPresetSystemEffect::BankScope::~BankScope() {
+    if (!owns_) return;
+    effect_.settleBank();
+    effect_.bankLock.unlock();
+    effect_.applyPostedWrites();
+}
+
+void CPresetSystemEffect::settleBank() {
+    PresetRecord* bank = presets.get();
+    PresetRecord* current = bank ? &bank[currentPreset.load(std::memory_order_relaxed)] : nullptr;
+    toCurrentPreset.drain([current](int slot, float value) {
+        if (current) current->values[slot] = value;
+    });
+    // After the current preset's writes: a slot that goes into every preset is written into the
+    // current one as well, except while a preset is being applied, and that write is the newer.
+    toEveryPreset.drain([bank](int slot, float value) {
+        if (bank)
+            for (int p = 0; p < kPresetCount; ++p) bank[p].values[slot] = value;
+    });
+    if (current)
+        for (int slot = 0; slot < kPresetSlots; ++slot)
+            currentValues[slot].store(current->values[slot], std::memory_order_relaxed);
+}
+
+// Never waits. A holder that let the lock go looks again here, so a write posted while it held
+// the lock is applied by it, or by the next holder, which will look again in turn.
+void CPresetSystemEffect::applyPostedWrites() {
+    while (writesPending()) {
+        if (!bankLock.lock(0)) return;
+        settleBank();
+        bankLock.unlock();
+    }
+}
+
 CPresetSystemEditor* CPresetSystemEffect::presetEditor() { return dynamic_cast<CPresetSystemEditor*>(editor); }
 
 const PresetRecord* CPresetSystemEffect::getPreset(int index) const {
     if (!presets || index < 0 || index >= kPresetCount) return nullptr;
     return &presets[index];
+}
+
+bool CPresetSystemEffect::copyPreset(int index, PresetRecord& out) {
+    if (!presets || index < 0 || index >= kPresetCount) return false;
+    BankScope bank(*this);
+    if (!bank) return false;
+    out = presets[index];
+    return true;
 }
 
 VstIntPtr CPresetSystemEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
@@ -49,19 +91,30 @@ VstIntPtr CPresetSystemEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIn
 
 void CPresetSystemEffect::setParameter(VstInt32 index, float value) {
     if (!presets || index < 0 || index >= kPresetSlots) return;
-    if (const auto v = params::admitted(value)) presets[currentPreset].values[index] = *v;
+    const auto v = params::admitted(value);
+    if (!v) return;
+    currentValues[index].store(*v, std::memory_order_relaxed);
+    toCurrentPreset.post(index, *v);
+    applyPostedWrites();
+}
+
+void CPresetSystemEffect::storeInEveryPreset(int slot, float value) {
+    if (!presets || slot < 0 || slot >= kPresetSlots) return;
+    currentValues[slot].store(value, std::memory_order_relaxed);
+    toEveryPreset.post(slot, value);
+    applyPostedWrites();
 }
 
 float CPresetSystemEffect::getParameter(VstInt32 index) {
     if (!presets || index < 0 || index >= kPresetSlots) return -1.0f;
-    return presets[currentPreset].values[index];
+    return currentValues[index].load(std::memory_order_relaxed);
 }
 
 void CPresetSystemEffect::getProgramName(char* text) {
-    if (!presets) {
-        *text = 0;
-        return;
-    }
+    *text = 0;
+    if (!presets) return;
+    BankScope bank(*this);
+    if (!bank) return;
     std::memcpy(text, presets[currentPreset].name, kNameField);
     text[kNameField] = 0;
 }
@@ -70,24 +123,40 @@ void CPresetSystemEffect::setProgramName(char* text) {
     if (!presets) return;
     char name[kNameField];
     presets::takeNameField(name, text);
-    presets::storePresetName(presets[currentPreset].name, name);
-    if (CPresetSystemEditor* e = presetEditor()) e->showPresetName(presets[currentPreset].name);
+    char stored[kNameField];
+    {
+        BankScope bank(*this);
+        if (!bank) return;
+        presets::storePresetName(presets[currentPreset].name, name);
+        std::memcpy(stored, presets[currentPreset].name, kNameField);
+    }
+    if (CPresetSystemEditor* e = presetEditor()) e->showPresetName(stored);
 }
 
 bool CPresetSystemEffect::getProgramNameIndexed(VstInt32 /*category*/, VstInt32 index, char* text) {
     if (!presets || index < 0 || index >= kPresetCount) return false;
+    BankScope bank(*this);
+    if (!bank) return false;
     std::memcpy(text, presets[index].name, kNameField);
     text[kNameField] = 0;
     return true;
 }
 
+// The preset's values are copied under the bank lock and applied after it: the application
+// redesigns bands and writes parameters, which is not work to hold the bank for.
 void CPresetSystemEffect::selectPreset(int index) {
     if (!presets) return;
     if (index < 0 || index >= kPresetCount) index = 0;
     presets::LoadingFlag::Scope loading(isLoading);
-    curProgram = 0;
-    currentPreset = index;
-    for (int slot = 0; slot < kPresetSlots; ++slot) setParameter(slot, presets[index].values[slot]);
+    PresetRecord chosen;
+    {
+        BankScope bank(*this);
+        if (!bank) return;
+        curProgram = 0;
+        currentPreset = index;
+        chosen = presets[index];
+    }
+    for (int slot = 0; slot < kPresetSlots; ++slot) setParameter(slot, chosen.values[slot]);
     updateDisplay();
     beginEdit(0);
     endEdit(0);
@@ -97,23 +166,30 @@ void CPresetSystemEffect::setPresetName(const char* name) {
     if (name && presets) {
         char field[kNameField];
         presets::takeNameField(field, name);
-        presets::storePresetName(presets[currentPreset].name, field);
+        BankScope bank(*this);
+        if (bank) presets::storePresetName(presets[currentPreset].name, field);
     }
     updateDisplay();
 }
 
 void CPresetSystemEffect::resetPresetToTemplate(int index) {
     if (!presets || index < 0 || index >= kPresetCount) return;
-    presets[index] = presetTemplate;
+    BankScope bank(*this);
+    if (bank) presets[index] = presetTemplate;
 }
 
 void CPresetSystemEffect::restoreStartupState() {
-    if (presets) presetTemplate = presets[0];
+    if (presets) {
+        BankScope bank(*this);
+        if (bank) presetTemplate = presets[0];
+    }
     if (CPresetSystemEditor* e = presetEditor()) e->restoreStartupDefaults();
 }
 
 void CPresetSystemEffect::loadFactoryPresets() {
-    if (presets) presets::loadFactoryBank(presets.get());
+    if (!presets) return;
+    BankScope bank(*this);
+    if (bank) presets::loadFactoryBank(presets.get());
 }
 
 VstInt32 CPresetSystemEffect::getChunk(void** data, bool /*isPreset*/) {

@@ -22,8 +22,6 @@ size_t ImageBuilder::build(std::vector<uint8_t>& out, bool wholeBank) {
     for (int slot = 0; slot < kPresetSlots; ++slot)
         if (!effect_.isExcludedFromSave(slot)) savedSlots[savedCount++] = static_cast<uint32_t>(slot);
 
-    const int current = effect_.getCurrentPreset();
-    const int firstPreset = wholeBank ? 0 : current;
     const int presetCount = wholeBank ? kPresetCount : 1;
     const size_t presetBytes = kNameRecordBytes + static_cast<size_t>(savedCount) * kValueRecordBytes;
     const size_t payload = presetBytes * static_cast<size_t>(presetCount);
@@ -34,6 +32,14 @@ size_t ImageBuilder::build(std::vector<uint8_t>& out, bool wholeBank) {
         return 0;
     }
 
+    // Allocated above, filled under the bank lock.
+    CPresetSystemEffect::BankScope lock(effect_);
+    if (!lock) {
+        out.clear();
+        return 0;
+    }
+    const int current = effect_.getCurrentPreset();
+    const int firstPreset = wholeBank ? 0 : current;
     writeHeader(out.data(), effect_.getUniqueID(), wholeBank ? kTypeBank : kTypePreset, kPresetSlots,
                 presetCount * (1 + savedCount), wholeBank ? current : 0, static_cast<uint32_t>(payload));
     uint8_t* at = out.data() + kHeaderBytes;

@@ -53,83 +53,101 @@ bool ImageLoader::readLegacyValues(PresetRecord& preset, const uint8_t* floats, 
     return true;
 }
 
+// The display and the preset's application come after the bank lock, from copies.
 void ImageLoader::finishPresetLoad() {
     const int current = effect_.getCurrentPreset();
-    char name[kNameField];
-    std::memcpy(name, effect_.bankRecords()[current].name, kNameField);
+    PresetRecord loaded{};
+    effect_.copyPreset(current, loaded);
     if (display_) {
-        display_->showPresetName(name);
-        display_->setPresetMenuTitle(current, name);
+        display_->showPresetName(loaded.name);
+        display_->setPresetMenuTitle(current, loaded.name);
     }
-    effect_.setPresetName(name);
+    effect_.setPresetName(loaded.name);
     effect_.selectPreset(current);
 }
 
 void ImageLoader::finishBankLoad(int current) {
-    const PresetRecord* bank = effect_.bankRecords();
     if (display_) {
-        for (int p = 0; p < kPresetCount; ++p) display_->setPresetMenuTitle(p, bank[p].name);
+        BankCopy loaded{};
+        if (CPresetSystemEffect::BankScope lock{effect_}) copyBank(loaded, effect_.bankRecords());
+        for (int p = 0; p < kPresetCount; ++p) display_->setPresetMenuTitle(p, loaded[p].name);
         display_->selectPresetMenuEntry(current);
-        display_->showPresetName(bank[current].name);
+        display_->showPresetName(loaded[current].name);
     }
     effect_.selectPreset(current);
 }
 
-bool ImageLoader::loadPresetRecords(const uint8_t* records, size_t size, const ImageHeader& header, bool swapped) {
+// Under the bank lock the current preset starts from the template and fill writes into it;
+// when fill answers false the preset is put back as it was. Then the display and the preset follow.
+template <class Fill>
+bool ImageLoader::loadCurrentPreset(Fill&& fill) {
     PresetRecord* bank = effect_.bankRecords();
     if (!bank) return false;
-    const int current = effect_.getCurrentPreset();
-    const PresetRecord kept = bank[current];
-    effect_.resetPresetToTemplate(current);
-    PresetRecord& preset = bank[current];
-
-    RecordCursor cursor(records, size, swapped);
-    Record record;
-    for (int32_t i = 0; i < header.recordCount && cursor.next(record); ++i) {
-        if (record.type == kRecordName) {
-            if (const uint8_t* name = nameOf(record)) storeName(preset, name);
-        } else if (record.type == kRecordValue) {
-            uint32_t slot;
-            float value;
-            if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
-            if (!isNormalized(value)) {
-                preset = kept;
-                return false;
-            }
-            preset.values[slot] = value;
+    {
+        CPresetSystemEffect::BankScope lock(effect_);
+        if (!lock) return false;
+        const int current = effect_.getCurrentPreset();
+        const PresetRecord kept = bank[current];
+        effect_.resetPresetToTemplate(current);
+        if (!fill(bank[current])) {
+            bank[current] = kept;
+            return false;
         }
-        // Records of other types belong to newer writers and are skipped.
     }
     finishPresetLoad();
     return true;
+}
+
+bool ImageLoader::loadPresetRecords(const uint8_t* records, size_t size, const ImageHeader& header, bool swapped) {
+    return loadCurrentPreset([&](PresetRecord& preset) {
+        RecordCursor cursor(records, size, swapped);
+        Record record;
+        for (int32_t i = 0; i < header.recordCount && cursor.next(record); ++i) {
+            if (record.type == kRecordName) {
+                if (const uint8_t* name = nameOf(record)) storeName(preset, name);
+            } else if (record.type == kRecordValue) {
+                uint32_t slot;
+                float value;
+                if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
+                if (!isNormalized(value)) return false;
+                preset.values[slot] = value;
+            }
+            // Records of other types belong to newer writers and are skipped.
+        }
+        return true;
+    });
 }
 
 bool ImageLoader::loadBankRecords(const uint8_t* records, size_t size, const ImageHeader& header, bool swapped) {
     PresetRecord* bank = effect_.bankRecords();
     if (!bank || header.recordCount < 0) return false;
     const int current = presetOrFirst(header.currentPreset);
-    BankCopy kept;
-    copyBank(kept, bank);
+    {
+        CPresetSystemEffect::BankScope lock(effect_);
+        if (!lock) return false;
+        BankCopy kept;
+        copyBank(kept, bank);
 
-    RecordCursor cursor(records, size, swapped);
-    Record record;
-    for (int32_t i = 0; i < header.recordCount && cursor.next(record); ++i) {
-        if (record.presetIndex < 0 || record.presetIndex >= kPresetCount) continue;
-        PresetRecord& preset = bank[record.presetIndex];
-        if (record.type == kRecordName) {
-            const uint8_t* name = nameOf(record);
-            if (!name) continue;
-            effect_.resetPresetToTemplate(record.presetIndex);
-            storeName(preset, name);
-        } else if (record.type == kRecordValue) {
-            uint32_t slot;
-            float value;
-            if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
-            if (!isNormalized(value)) {
-                putBack(bank, kept);
-                return false;
+        RecordCursor cursor(records, size, swapped);
+        Record record;
+        for (int32_t i = 0; i < header.recordCount && cursor.next(record); ++i) {
+            if (record.presetIndex < 0 || record.presetIndex >= kPresetCount) continue;
+            PresetRecord& preset = bank[record.presetIndex];
+            if (record.type == kRecordName) {
+                const uint8_t* name = nameOf(record);
+                if (!name) continue;
+                effect_.resetPresetToTemplate(record.presetIndex);
+                storeName(preset, name);
+            } else if (record.type == kRecordValue) {
+                uint32_t slot;
+                float value;
+                if (!valueOf(record, swapped, slot, value) || slot >= static_cast<uint32_t>(kPresetSlots)) continue;
+                if (!isNormalized(value)) {
+                    putBack(bank, kept);
+                    return false;
+                }
+                preset.values[slot] = value;
             }
-            preset.values[slot] = value;
         }
     }
     finishBankLoad(current);
@@ -137,22 +155,13 @@ bool ImageLoader::loadBankRecords(const uint8_t* records, size_t size, const Ima
 }
 
 bool ImageLoader::loadPresetLegacy(const uint8_t* data, size_t size, bool swapped, int floatCount) {
-    PresetRecord* bank = effect_.bankRecords();
-    if (!bank || !data || size < kLegacyNameBytes || floatCount < 0) return false;
+    if (!data || size < kLegacyNameBytes || floatCount < 0) return false;
     const size_t available = (size - kLegacyNameBytes) / kFloatBytes;
     const int count = static_cast<int>(std::min<size_t>(static_cast<size_t>(floatCount), available));
-
-    const int current = effect_.getCurrentPreset();
-    const PresetRecord kept = bank[current];
-    effect_.resetPresetToTemplate(current);
-    PresetRecord& preset = bank[current];
-    storeName(preset, data);
-    if (!readLegacyValues(preset, data + kLegacyNameBytes, count, swapped, true)) {
-        preset = kept;
-        return false;
-    }
-    finishPresetLoad();
-    return true;
+    return loadCurrentPreset([&](PresetRecord& preset) {
+        storeName(preset, data);
+        return readLegacyValues(preset, data + kLegacyNameBytes, count, swapped, true);
+    });
 }
 
 bool ImageLoader::loadLegacyBlocks(const uint8_t* data, size_t size, bool swapped, int presetCount,
@@ -163,6 +172,8 @@ bool ImageLoader::loadLegacyBlocks(const uint8_t* data, size_t size, bool swappe
     const int loaded = std::min(presetCount, kPresetCount);
     if (stride > size / static_cast<size_t>(loaded)) return false;  // the blocks would run past the end
 
+    CPresetSystemEffect::BankScope lock(effect_);
+    if (!lock) return false;
     BankCopy kept;
     copyBank(kept, bank);
     for (int p = 0; p < loaded; ++p) {

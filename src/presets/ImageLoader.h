@@ -6,6 +6,8 @@
 // outside 0..1, so such an image leaves the preset (or the whole bank) exactly as it was and
 // nothing is shown or selected. Every loader stops at the end of the bytes it is given. All of
 // them answer true when the image was applied and false when the bank was left untouched.
+// Each holds the bank lock while it parses into the bank, and lets it go before the display is
+// told and the preset is applied.
 
 #include <cstddef>
 #include <cstdint>
@@ -53,6 +55,8 @@ private:
     bool loadLegacyBlocks(const uint8_t* data, size_t size, bool swapped, int presetCount, int floatsPerPreset,
                           bool checkRange);
     void storeName(PresetRecord& preset, const uint8_t* nameBytes);
+    template <class Fill>
+    bool loadCurrentPreset(Fill&& fill);
     void finishPresetLoad();
     void finishBankLoad(int current);
 

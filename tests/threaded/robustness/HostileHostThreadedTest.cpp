@@ -1,8 +1,9 @@
 // The built plug-in driven through its entry point as a careless or hostile host drives it:
 // an audio thread with random block sizes (odd ones, and ones above the declared maximum), both
-// precisions and input bursts of NaN, ±Inf, denormals, full-scale DC and silence, while a
-// control thread sends out-of-range and non-finite values on every parameter, program changes,
-// chunk round trips, corrupted chunks, sample-rate and block-size changes and mains off/on.
+// precisions, input bursts of NaN, ±Inf, denormals, full-scale DC and silence, and hostile and
+// ordinary automation between its blocks, while a control thread sends out-of-range and
+// non-finite values on every parameter, program changes, chunk round trips, corrupted chunks,
+// sample-rate and block-size changes and mains off/on.
 // Every second both threads pause and the plug-in is checked: every parameter finite and in
 // 0..1, and clean input giving finite, bounded output. The audio thread must not allocate.
 //
@@ -115,6 +116,12 @@ const float kHostileValues[] = {std::numeric_limits<float>::quiet_NaN(), std::nu
 const float kRates[] = {0.0f, -48000.0f, std::numeric_limits<float>::quiet_NaN(), 1e12f, 4999.9f, 8000.0f, 22050.0f,
                         44100.0f, 48000.0f, 88200.0f, 96000.0f, 176400.0f, 192000.0f, 384000.0f};
 
+// Half the time a hostile value, otherwise an ordinary one.
+float anyValue(std::mt19937& rng) {
+    return rng() % 2 ? kHostileValues[rng() % std::size(kHostileValues)]
+                     : std::uniform_real_distribution<float>(0, 1)(rng);
+}
+
 enum class Burst { Noise, NaN, Infinity, Denormal, FullScaleDc, Silence, kCount };
 
 // Both precisions' buffers, allocated before the audio thread starts.
@@ -177,18 +184,15 @@ protected:
             fillBurst(doubles, frames, kind, rng);
             plugin->process(doubles.inputs, doubles.outputs, frames);
         }
+        // Hosts send automation from the audio thread as well, between its blocks.
+        if (rng() % 4 == 0) plugin->setParameter(static_cast<int>(rng() % plugin->numParams()), anyValue(rng));
     }
 
     // Control thread: one hostile action.
     void hostileControl(std::mt19937& rng) {
         const int params = plugin->numParams();
         switch (rng() % 12) {
-            case 0: case 1: case 2: case 3: {
-                const float v = rng() % 2 ? kHostileValues[rng() % std::size(kHostileValues)]
-                                          : std::uniform_real_distribution<float>(0, 1)(rng);
-                plugin->setParameter(static_cast<int>(rng() % params), v);
-                break;
-            }
+            case 0: case 1: case 2: case 3: plugin->setParameter(static_cast<int>(rng() % params), anyValue(rng)); break;
             case 4: plugin->dispatch(effSetProgram, 0, static_cast<VstIntPtr>(rng() % 40) - 8); break;
             case 5: {
                 const bool preset = rng() % 2;
