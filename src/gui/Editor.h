@@ -110,6 +110,8 @@ public:
     // The plot marks the hovered band (-1 none) and takes the selected one.
     void plotHoverBand(int band);
     void plotSelectBand(int band);
+    // Shows a page of the plot while the window is open: 0 the plot, 1 settings, 2 information.
+    void showPlotPage(int page);
 
 private:
     bool build();
@@ -136,6 +138,9 @@ private:
     void releasePlot();
     void showPlotParameter(int index, float value);
     void idlePlot(uint32_t elapsedMs);
+    // What the plot asks of the editor (EditorPlot.cpp); lives while the plot does.
+    class PlotLink;
+    friend class PlotLink;
     void showAllParameters();
     float parameter(int index) const;
     void setAutomated(int index, float value);
@@ -162,4 +167,6 @@ private:
     CControl* linPhaseButton = nullptr;
 
     // --- response plot
+    class CPlot* plot = nullptr;
+    PlotLink* plotLink = nullptr;
 };
