@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kNoTag = -1;
 constexpr int kDetentPixels = 5;
+// Drag heights carry the rounding of the stored gain; a thousandth of a pixel is no movement.
+constexpr double kPixelSlack = 1e-3;
 constexpr double kFineQPixelsX = 400;
 constexpr double kFineQPixelsY = 200;
 constexpr double kDrivePixelsX = 40;
@@ -370,7 +372,7 @@ void CPlot::moveStep(const CPoint& where, const CButtonState& buttons) {
             if (owner_) owner_->setAuditionWidth(auditionWidth_);
         } else if (hasGain(b.type)) {
             float gain = clamp01(0.5 + (g_.yMid - y) * R_ / (plot::kFixedScaleDb * g_.H));
-            const bool nearCentre = std::fabs(y - g_.yMid) < kDetentPixels;
+            const bool nearCentre = std::fabs(y - g_.yMid) < kDetentPixels - kPixelSlack;
             if (nearCentre && (detentLatched_ || std::fabs(gain - 0.5f) < std::fabs(b.gain - 0.5f))) {
                 gain = 0.5f;
                 detentLatched_ = true;
@@ -395,7 +397,6 @@ CMouseEventResult CPlot::onMouseMoved(CPoint& where, const CButtonState& buttons
         return kMouseEventHandled;
     }
     if (!dragging_) {
-        setModifiers(buttons);
         if (page_ == kSettingsPage) {
             trackSettingsItem(where);
         } else if (page_ == kPlotPage) {
@@ -406,6 +407,7 @@ CMouseEventResult CPlot::onMouseMoved(CPoint& where, const CButtonState& buttons
                 redraw();
             }
         }
+        setModifiers(buttons);
         return kMouseEventHandled;
     }
     const int before = lastButtons_;
