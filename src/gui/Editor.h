@@ -112,6 +112,8 @@ public:
     void plotSelectBand(int band);
     // Shows a page of the plot while the window is open: 0 the plot, 1 settings, 2 information.
     void showPlotPage(int page);
+    // The analyzer bars end their fade at once (for still pictures).
+    void settlePlotFade();
 
 private:
     bool build();

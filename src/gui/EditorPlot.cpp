@@ -179,6 +179,10 @@ void Editor::showPlotPage(int page) {
     while (plot->page() != page && page >= CPlot::kPlotPage && page <= CPlot::kInformationPage) plot->cyclePages();
 }
 
+void Editor::settlePlotFade() {
+    if (plot) plot->settleFade();
+}
+
 void Editor::plotHoverBand(int band) {
     if (plot) plot->setHoverBand(band);
 }

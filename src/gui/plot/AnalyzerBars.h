@@ -41,6 +41,7 @@ public:
     void advance(const float* levels, uint32_t nowMs);
 
     int fade() const { return static_cast<int>(fade_); }
+    void settleFade() { fade_ = on_ ? 255.0f : 0.0f; }
     // The bar's level after the drive (whole dB), and its held mark.
     float level(int i) const { return bars_[i] + static_cast<float>(static_cast<int>(driveDb_)); }
     float held(int i) const { return held_[i]; }

@@ -68,6 +68,8 @@ public:
     // Redraws when something asked for it since the last call.
     void flushRedraw();
     bool isFadedOut() const { return bars_.fade() == 0; }
+    // The bars' fade jumps to where it is heading.
+    void settleFade() { bars_.settleFade(); }
 
     Page page() const { return page_; }
     const plot::PlotGeometry& geometry() const { return g_; }
