@@ -23,8 +23,9 @@ constexpr Area kControls[] = {
     {"save bank", 22, 494, 39, 509},      {"default bank", 39, 494, 71, 507},   {"load bank", 72, 494, 89, 509},
     {"save preset", 104, 494, 121, 509},  {"default preset", 122, 494, 166, 507}, {"load preset", 166, 494, 183, 509},
     {"memories", 388, 494, 503, 509},     {"keyboard focus", 710, 497, 721, 504}, {"manual", 729, 496, 740, 505},
+    {"plot", 30, 20, 548, 163},
 };
-constexpr Area kPanel[] = {{"plot", 30, 20, 548, 163}, {"band 1", 75, 230, 120, 460}};
+constexpr Area kPanel[] = {{"band 1", 75, 230, 120, 460}};
 
 }  // namespace
 
