@@ -39,49 +39,12 @@ CPlot::CPlot(const CRect& size, CControlListener* listener, plot::PlotOwner* own
     : CControl(size, listener, kNoTag),
       CTextPrinter(font),
       owner_(owner),
-      g_(size),
-      curves_(std::make_unique<plot::PlotCurves>()) {
+      g_(size) {
+    for (int i = 0; i < plot::kGridLines; ++i) gridX_[i] = g_.frequencyX(plot::kGridFrequencies[i]);
     for (int b = 0; b < plot::kBandCount; ++b) {
         setBandFrequency(b, bands_[b].frequency);
         setBandGain(b, bands_[b].gain);
     }
-}
-
-CPlot::CPlot(const CPlot& other)
-    : CControl(other),
-      CTextPrinter(other),
-      owner_(other.owner_),
-      g_(other.g_),
-      rangeValue_(other.rangeValue_),
-      R_(other.R_),
-      hovered_(other.hovered_),
-      editMask_(other.editMask_),
-      mode_(other.mode_),
-      pressPoint_(other.pressPoint_),
-      pressHandle_(other.pressHandle_),
-      pressQ_(other.pressQ_),
-      pressDriveDb_(other.pressDriveDb_),
-      detentLatched_(other.detentLatched_),
-      lastButtons_(other.lastButtons_),
-      auditionWidth_(other.auditionWidth_),
-      auditionLevel_(other.auditionLevel_),
-      startWidth_(other.startWidth_),
-      snapArmed_(other.snapArmed_),
-      currentHarmonic_(other.currentHarmonic_),
-      bars_(other.bars_),
-      barWidth_(other.barWidth_),
-      soloMask_(other.soloMask_),
-      autoZoom_(other.autoZoom_),
-      opacity_(other.opacity_),
-      active_(other.active_),
-      rate_(other.rate_),
-      rateValue_(other.rateValue_),
-      page_(other.page_),
-      settings_(other.settings_),
-      pendingRedraw_(other.pendingRedraw_),
-      curves_(std::make_unique<plot::PlotCurves>(*other.curves_)) {
-    std::copy(std::begin(other.bands_), std::end(other.bands_), bands_);
-    std::copy(std::begin(other.harmonics_), std::end(other.harmonics_), harmonics_);
 }
 
 uint32_t CPlot::ticks() const { return frame ? frame->getTicks() : 0; }
@@ -502,7 +465,7 @@ void CPlot::trackSettingsItem(const CPoint& where) {
     const int item = plot::settingsItemAt(size, where.x, where.y);
     if (item == settings_.hovered) return;
     settings_.hovered = item;
-    if (bars_.isOn()) redraw();
+    redraw();
 }
 
 void CPlot::settingsClick(int item, const CPoint& where) {

@@ -5,8 +5,6 @@
 // the host's edit gestures, through the control's listener; parameter values come back in
 // through the setters, which only store and mark the view dirty.
 
-#include <memory>
-
 #include "gui/controls/CTextPrinter.h"
 #include "gui/plot/AnalyzerBars.h"
 #include "gui/plot/PlotGeometry.h"
@@ -22,7 +20,7 @@ public:
 
     // font: the glyph sheet the texts are printed from (may be null).
     CPlot(const CRect& size, CControlListener* listener, plot::PlotOwner* owner, CBitmap* font);
-    CPlot(const CPlot& other);
+    CPlot(const CPlot& other) = default;
 
     void draw(CDrawContext* context) override;
     CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override;
@@ -153,5 +151,6 @@ private:
     Page page_ = kPlotPage;
     plot::SettingsPage settings_;
     bool pendingRedraw_ = false;
-    std::unique_ptr<plot::PlotCurves> curves_;
+    plot::PlotCurves curves_ = {};
+    int gridX_[plot::kGridLines];  // the vertical grid lines, fixed with the geometry
 };

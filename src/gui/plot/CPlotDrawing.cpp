@@ -23,10 +23,6 @@ constexpr CColor kBandColours[plot::kBandCount] = {
 };
 constexpr int kInactiveAlpha = 75;
 
-// 30, 40 … 90, 100, 200 … 900, 1000 … 10000 Hz.
-constexpr double kGridFrequencies[] = {30,   40,   50,   60,   70,   80,   90,   100,  200,
-                                       300,  400,  500,  600,  700,  800,  900,  1000, 2000,
-                                       3000, 4000, 5000, 6000, 7000, 8000, 9000, 10000};
 constexpr struct {
     double hz;
     const char* text;
@@ -80,10 +76,7 @@ void CPlot::draw(CDrawContext* context) {
 void CPlot::drawGrid(CDrawContext* context) const {
     context->setLineWidth(1);
     context->setFrameColor(kGridLine);
-    for (double hz : kGridFrequencies) {
-        const int x = g_.frequencyX(hz);
-        context->drawLine(CPoint(x, g_.top), CPoint(x, g_.bottom));
-    }
+    for (int x : gridX_) context->drawLine(CPoint(x, g_.top), CPoint(x, g_.bottom));
     const int spacing = labelSpacing(R_);
     for (size_t i = 0; i < std::size(kLevelValues); ++i) {
         const int dB = kLevelValues[i];
@@ -105,7 +98,7 @@ void CPlot::drawGrid(CDrawContext* context) const {
 }
 
 void CPlot::drawCurves(CDrawContext* context) {
-    if (owner_) owner_->getCurves(*curves_);
+    if (owner_) owner_->getCurves(curves_);
     const int side = editMask_ == 2 ? 1 : 0;
     const int columns = std::min(g_.W, plot::kCurvePoints);
     CPoint points[plot::kCurvePoints];
@@ -120,10 +113,10 @@ void CPlot::drawCurves(CDrawContext* context) {
     };
     context->setClipRect(CRect(g_.left, g_.top, g_.right, g_.bottom + 1));
     for (int b = 0; b < plot::kBandCount; ++b)
-        if (bands_[b].shown) trace(curves_->band[side][b], bandColour(b), 1);
+        if (bands_[b].shown) trace(curves_.band[side][b], bandColour(b), 1);
     // Both sides' totals, the shown side last so that it lies on top.
-    trace(curves_->total[1 - side], kTotalColour[1 - side], 1);
-    trace(curves_->total[side], kTotalColour[side], 2);
+    trace(curves_.total[1 - side], kTotalColour[1 - side], 1);
+    trace(curves_.total[side], kTotalColour[side], 2);
     context->setLineWidth(1);
     context->setClipRect(size);
 }

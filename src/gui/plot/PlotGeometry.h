@@ -10,6 +10,11 @@
 namespace plot {
 
 constexpr int kBandCount = 8;
+constexpr int kGridLines = 26;
+// 30, 40 … 90, 100, 200 … 900, 1000 … 10000 Hz.
+constexpr double kGridFrequencies[kGridLines] = {30,   40,   50,   60,   70,   80,   90,   100,  200,
+                                                 300,  400,  500,  600,  700,  800,  900,  1000, 2000,
+                                                 3000, 4000, 5000, 6000, 7000, 8000, 9000, 10000};
 constexpr int kHandleReach = 10;      // pixels around a handle's centre that grab it
 constexpr double kFixedScaleDb = 24;  // handles keep their height on a ±24 dB scale
 

@@ -1,0 +1,67 @@
+// The plot's axes and handle hit test, checked against the numbers the layout fixes.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "gui/plot/PlotGeometry.h"
+#include "gui/plot/SettingsPage.h"
+
+namespace {
+
+const plot::PlotGeometry kPlot(CRect(30, 20, 548, 163));
+
+TEST(PlotAxes, InnerAreaAndBothAxes) {
+    EXPECT_EQ(kPlot.left, 70);
+    EXPECT_EQ(kPlot.right, 523);
+    EXPECT_EQ(kPlot.top, 36);
+    EXPECT_EQ(kPlot.bottom, 162);
+    EXPECT_EQ(kPlot.yMid, 99);
+    EXPECT_EQ(kPlot.h, 63);
+    EXPECT_EQ(kPlot.H, 126);
+    EXPECT_EQ(kPlot.W, 453);
+    struct Range {
+        double p, dB;
+    };
+    for (const Range r : {Range{0, 24}, Range{1.0 / 3, 12}, Range{2.0 / 3, 6}, Range{1, 3}})
+        EXPECT_NEAR(plot::rangeDb(r.p), r.dB, 1e-9) << r.p;
+    EXPECT_EQ(kPlot.frequencyX(20), 70);
+    EXPECT_EQ(kPlot.frequencyX(200), 70 + 151);
+    EXPECT_EQ(kPlot.frequencyX(1000), 70 + 256);  // 453·log10(50)/3 = 256.9, truncated
+    EXPECT_DOUBLE_EQ(kPlot.levelY(12, 12), 36);
+    // Gain 0.75 is +12 dB: half way up on the fixed ±24 dB scale, at the top edge of a ±12 dB axis.
+    EXPECT_DOUBLE_EQ(kPlot.fixedHandleY(0.75), 99 - 31.5);
+    EXPECT_DOUBLE_EQ(kPlot.drawnHandleY(kPlot.fixedHandleY(0.75), 12), 36);
+}
+
+TEST(PlotHitTest, ReachOfTenPixelsAndTheLowestBandWins) {
+    plot::HandleSpot spots[plot::kBandCount] = {};
+    spots[3] = {true, 100, 80};
+    spots[5] = {true, 105, 85};
+    spots[6] = {false, 100, 80};
+    struct Case {
+        double x, y;
+        int band;
+    };
+    const Case cases[] = {
+        {170, 80, 3}, {180, 90, 3}, {160, 70, 3}, {181, 80, 5}, {159, 80, -1},
+        {170, 69, -1}, {185, 95, 5}, {186, 95, -1}, {300, 150, -1},
+    };
+    for (const Case& c : cases) EXPECT_EQ(plot::hitHandle(kPlot, spots, c.x, c.y), c.band) << c.x << "," << c.y;
+}
+
+TEST(SettingsRows, ValuesOutsideTheirListReadNotAvailableAndClicksWrap) {
+    plot::SettingsPage page;
+    page.setIndex(plot::kHoldItem, 5);
+    EXPECT_STREQ(page.valueText(plot::kHoldItem), "INFINITE");
+    EXPECT_EQ(page.nextIndex(plot::kHoldItem), 0);
+    page.setIndex(plot::kHoldItem, 9);
+    EXPECT_STREQ(page.valueText(plot::kHoldItem), "n/a");
+    EXPECT_EQ(page.nextIndex(plot::kHoldItem), 0);
+    EXPECT_STREQ(plot::settingsRow(plot::kSpeedItem).label, "Analyzer:      speed");
+    for (int item = 0; item < plot::kSettingsItems; ++item) {
+        if (plot::settingsRow(item).label) EXPECT_EQ(std::string(plot::settingsRow(item).label).size(), 20u) << item;
+    }
+}
+
+}  // namespace
