@@ -60,7 +60,9 @@ TEST(SettingsRows, ValuesOutsideTheirListReadNotAvailableAndClicksWrap) {
     EXPECT_EQ(page.nextIndex(plot::kHoldItem), 0);
     EXPECT_STREQ(plot::settingsRow(plot::kSpeedItem).label, "Analyzer:      speed");
     for (int item = 0; item < plot::kSettingsItems; ++item) {
-        if (plot::settingsRow(item).label) EXPECT_EQ(std::string(plot::settingsRow(item).label).size(), 20u) << item;
+        const char* label = plot::settingsRow(item).label;
+        if (!label) continue;
+        EXPECT_EQ(std::string(label).size(), 20u) << item;
     }
 }
 
