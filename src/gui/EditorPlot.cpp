@@ -105,7 +105,9 @@ void Editor::showPlotParameter(int index, float value) {
         case params::kLinPhase:
         case params::kResolution: plot->setDirty(); return;
         case params::kPlotRange:
-            if (!on(parameter(params::kAutoZoom))) plot->setPlotRange(value);
+            // While AutoZoom runs the idle eases the shown range toward the value; a picture
+            // taken before any idle shows where the range stands now.
+            plot->setPlotRange(shownPlotRange());
             return;
         case params::kChannel:
             plot->setEditMask(params::quantize(value, 3) + 1);
