@@ -112,6 +112,28 @@ TEST_F(PlotScript, VerticalDragOfHalfTheHeightScalesWithTheRange) {
     }
 }
 
+TEST_F(PlotScript, AltDragsOnlyVerticallyAndShiftDragTurnsQ) {
+    p().setParameter(kPlotRange, 0.0f);
+    band(0, 3, 0.3f, 0.5f);
+    CPoint start = handle(0.3f, 0.5f, 0.0f);
+    move(start, kAlt);
+    frame().onMouseDown(start, kLButton | kAlt);
+    move(CPoint(start.x + 40, start.y - 20), kLButton | kAlt);
+    release(start);
+    EXPECT_EQ(value(kFreq), 0.3f);
+    EXPECT_NEAR(value(kGain), 0.5f + 20 / kHeight, 1e-4);
+
+    band(0, 3, 0.3f, 0.5f);
+    const float q = value(kQ);
+    move(start, kShift);
+    frame().onMouseDown(start, kLButton | kShift);
+    move(CPoint(start.x + 40, start.y - 20), kLButton | kShift);
+    release(start);
+    EXPECT_NEAR(value(kQ), q + 40 / 400.0f + 20 / 200.0f, 1e-5);
+    EXPECT_EQ(value(kFreq), 0.3f);
+    EXPECT_EQ(value(kGain), 0.5f);
+}
+
 TEST_F(PlotScript, OverlappingHandlesGiveTheLowerBand) {
     p().setParameter(kPlotRange, 0.0f);
     band(1, 3, 0.4f, 0.7f);
@@ -162,6 +184,18 @@ TEST_F(PlotScript, WheelZoomsOnEmptySpaceDrivesWithCtrlAndTurnsQOverABand) {
     wheel(onBand, 1);
     EXPECT_NEAR(value(kQ), q + 0.1f, 1e-6);
     EXPECT_EQ(value(kQR), value(kQ));
+}
+
+TEST_F(PlotScript, InformationPageIgnoresTheWheelUntilAClickReturnsToThePlot) {
+    p().setParameter(kPlotRange, 0.5f);
+    const CPoint empty(200, 50);
+    editor().infoClicked();  // the settings page
+    editor().infoClicked();  // the information
+    wheel(empty, 1);
+    EXPECT_EQ(value(kPlotRange), 0.5f);
+    click(frame(), empty.x, empty.y);
+    wheel(empty, 1);
+    EXPECT_NEAR(value(kPlotRange), 0.6f, 1e-6);
 }
 
 TEST_F(PlotScript, AutomaticRangeFitsTheLoudestFeature) {
