@@ -293,13 +293,12 @@ CMouseEventResult CPlot::onMouseDown(CPoint& where, const CButtonState& buttons)
     if (mode_ != kAuditionMode) hovered_ = hitTest(where.x, where.y);
     if (hovered_ < 0) return kMouseEventNotHandled;
     const int band = hovered_;
-    setModifiers(buttons);
+    setModifiers(buttons);  // the right button auditions the band
     pressPoint_ = where;
     pressHandle_ = CPoint(bands_[band].handleX, pressHeight(band));
     dragX_ = bands_[band].handleX;
     pressQ_ = bands_[band].q;
     detentLatched_ = false;
-    if (buttons.isRightButton() && owner_) owner_->audition(band);
     bandGestures(band, true, true, true);
     dragging_ = true;
     moveStep(where, buttons);
