@@ -14,8 +14,6 @@ namespace {
 
 constexpr int kNoTag = -1;
 constexpr int kDetentPixels = 5;
-// Drag heights carry the rounding of the stored gain; a thousandth of a pixel is no movement.
-constexpr double kPixelSlack = 1e-3;
 constexpr double kFineQPixelsX = 400;
 constexpr double kFineQPixelsY = 200;
 constexpr double kDrivePixelsX = 40;
@@ -334,7 +332,8 @@ void CPlot::moveStep(const CPoint& where, const CButtonState& buttons) {
             if (owner_) owner_->setAuditionWidth(auditionWidth_);
         } else if (hasGain(b.type)) {
             float gain = clamp01(0.5 + (g_.yMid - y) * R_ / (plot::kFixedScaleDb * g_.H));
-            const bool nearCentre = std::fabs(y - g_.yMid) < kDetentPixels - kPixelSlack;
+            // Drag heights carry the rounding of the stored gain.
+            const bool nearCentre = std::fabs(y - g_.yMid) < kDetentPixels - plot::kFloatSlack;
             if (nearCentre && (detentLatched_ || std::fabs(gain - 0.5f) < std::fabs(b.gain - 0.5f))) {
                 gain = 0.5f;
                 detentLatched_ = true;

@@ -17,6 +17,7 @@ constexpr double kGridFrequencies[kGridLines] = {30,   40,   50,   60,   70,   8
                                                  3000, 4000, 5000, 6000, 7000, 8000, 9000, 10000};
 constexpr int kHandleReach = 10;      // pixels around a handle's centre that grab it
 constexpr double kFixedScaleDb = 24;  // handles keep their height on a ±24 dB scale
+constexpr double kFloatSlack = 1e-4;  // in pixels: far above float rounding, far below a pixel
 
 // Half-height of the level axis in dB for the plot range value p (24 dB at 0, 3 dB at 1).
 inline double rangeDb(double p) { return 6.0 * std::exp2(2.0 - 3.0 * p); }
@@ -38,8 +39,9 @@ struct PlotGeometry {
           H(bottom - top),
           W(right - left) {}
 
-    // Pixels from the inner left edge for a normalized frequency (0 = 20 Hz, 1 = 20 kHz).
-    int handleX(double v) const { return static_cast<int>(W * v); }
+    // Pixels from the inner left edge for a normalized frequency (0 = 20 Hz, 1 = 20 kHz). A
+    // value the plot itself sent for pixel k (k/W in single precision) maps back to k.
+    int handleX(double v) const { return static_cast<int>(W * v + kFloatSlack); }
     int frequencyX(double hz) const { return left + static_cast<int>(W * std::log10(hz / 20.0) / 3.0); }
     double levelY(double dB, double R) const { return yMid - dB * h / R; }
     // A normalized gain (0.5 = 0 dB) as a height on the fixed ±24 dB scale.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <vector>
 
 #include "gui/Editor.h"
 #include "unit/plugin/PluginHarness.h"
@@ -132,6 +133,49 @@ TEST_F(PlotScript, AltDragsOnlyVerticallyAndShiftDragTurnsQ) {
     EXPECT_NEAR(value(kQ), q + 40 / 400.0f + 20 / 200.0f, 1e-5);
     EXPECT_EQ(value(kFreq), 0.3f);
     EXPECT_EQ(value(kGain), 0.5f);
+}
+
+// Peak of the left output over the last half of a run of a sine of amplitude 0.5.
+float peakOfSine(Plugin& plugin, double hz, double seconds) {
+    constexpr int kBlock = 512;
+    std::vector<float> in(kBlock), out(2 * kBlock);
+    float* inputs[2] = {in.data(), in.data()};
+    float* outputs[2] = {out.data(), out.data() + kBlock};
+    const int frames = static_cast<int>(seconds * 48000);
+    float peak = 0;
+    for (int start = 0; start < frames; start += kBlock) {
+        for (int i = 0; i < kBlock; ++i) in[i] = 0.5f * static_cast<float>(std::sin(2 * M_PI * hz * (start + i) / 48000.0));
+        plugin.processReplacing(inputs, outputs, kBlock);
+        if (2 * start >= frames) peak = std::max(peak, *std::max_element(out.begin(), out.begin() + kBlock));
+    }
+    return peak;
+}
+
+TEST_F(PlotScript, CtrlOrTheRightButtonAuditionsTheBandAndTheWheelSetsItsLevel) {
+    p().setSampleRate(48000);
+    p().setBlockSize(512);
+    p().resume();
+    // A band on a whole pixel, so that grabbing its handle leaves its frequency where it is.
+    const float v = 256.0f / 453;
+    const double hz = 20 * std::pow(1000.0, v);
+    band(0, 3, v, 0.5f);
+    const float plain = peakOfSine(p(), hz, 1.5);  // past the latency
+    // The audition band-pass at its own frequency: gain 2^(4·level) / (2·cos(π·f/rate)).
+    const auto heard = [&](double level) { return 0.5 * std::pow(2.0, 4 * level) / (2 * std::cos(M_PI * hz / 48000)); };
+    CPoint at = handle(v, 0.5f, value(kPlotRange));
+
+    move(at, kControl);
+    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.5), 0.005);
+    wheel(at, 1, kControl);  // level 0.5 + 0.1 × 2.5
+    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.75), 0.005);
+    move(at);  // Ctrl let go
+    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), plain, 1e-3);
+
+    frame().onMouseDown(at, kRButton);
+    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.75), 0.005);
+    frame().onMouseUp(at, kRButton);
+    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), plain, 1e-3);
+    p().suspend();
 }
 
 TEST_F(PlotScript, OverlappingHandlesGiveTheLowerBand) {
