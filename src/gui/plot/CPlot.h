@@ -5,12 +5,16 @@
 // the host's edit gestures, through the control's listener; parameter values come back in
 // through the setters, which only store and mark the view dirty.
 
+#include <memory>
+
 #include "gui/controls/CTextPrinter.h"
 #include "gui/plot/AnalyzerBars.h"
 #include "gui/plot/PlotGeometry.h"
 #include "gui/plot/PlotOwner.h"
 #include "gui/plot/SettingsPage.h"
 #include "gui/toolkit/CControl.h"
+
+class FrameImage;
 
 class CPlot : public CControl, public CTextPrinter {
 public:
@@ -105,7 +109,8 @@ private:
     uint32_t ticks() const;
 
     // Drawing (CPlotDrawing.cpp).
-    void drawGrid(CDrawContext* context) const;
+    void drawCachedGrid(CDrawContext* context);
+    void drawGrid(CDrawContext* context, double dx, double dy) const;
     void drawCurves(CDrawContext* context);
     void drawHandles(CDrawContext* context) const;
     void drawBars(CDrawContext* context);
@@ -153,4 +158,8 @@ private:
     bool pendingRedraw_ = false;
     plot::PlotCurves curves_ = {};
     int gridX_[plot::kGridLines];  // the vertical grid lines, fixed with the geometry
+    // The grid as last drawn, for the range it was drawn at; copies share it (a new range
+    // draws a new image rather than changing this one).
+    std::shared_ptr<const FrameImage> grid_;
+    double gridRange_ = 0;
 };

@@ -8,6 +8,7 @@
 
 #include "gui/plot/CPlot.h"
 #include "gui/toolkit/CDrawContext.h"
+#include "gui/toolkit/FrameImage.h"
 
 namespace {
 
@@ -62,9 +63,7 @@ void CPlot::draw(CDrawContext* context) {
     } else if (page_ == kInformationPage) {
         drawInformation(context);
     } else {
-        context->setFillColor(kGridDark);
-        context->drawRect(size, kDrawFilled);
-        drawGrid(context);
+        drawCachedGrid(context);
         drawBars(context);
         drawCurves(context);
         drawHandles(context);
@@ -73,10 +72,27 @@ void CPlot::draw(CDrawContext* context) {
     setDirty(false);
 }
 
-void CPlot::drawGrid(CDrawContext* context) const {
+// The grid changes only with the level range: it is drawn once into an image of the view's size
+// and copied from there.
+void CPlot::drawCachedGrid(CDrawContext* context) {
+    if (!grid_ || gridRange_ != R_) {
+        auto image = std::make_shared<FrameImage>(static_cast<int>(size.getWidth()), static_cast<int>(size.getHeight()));
+        CDrawContext imageContext(image->surface());
+        drawGrid(&imageContext, -size.left, -size.top);
+        grid_ = std::move(image);
+        gridRange_ = R_;
+    }
+    context->drawImage(grid_->surface(), size, CPoint(0, 0), 1.0);
+}
+
+// Frame coordinates shifted by (dx, dy).
+void CPlot::drawGrid(CDrawContext* context, double dx, double dy) const {
+    const CRect area = CRect(size).offset(dx, dy);
+    context->setFillColor(kGridDark);
+    context->drawRect(area, kDrawFilled);
     context->setLineWidth(1);
     context->setFrameColor(kGridLine);
-    for (int x : gridX_) context->drawLine(CPoint(x, g_.top), CPoint(x, g_.bottom));
+    for (int x : gridX_) context->drawLine(CPoint(x + dx, g_.top + dy), CPoint(x + dx, g_.bottom + dy));
     const int spacing = labelSpacing(R_);
     for (size_t i = 0; i < std::size(kLevelValues); ++i) {
         const int dB = kLevelValues[i];
@@ -84,17 +100,18 @@ void CPlot::drawGrid(CDrawContext* context) const {
         for (int sign = 0; sign < 2; ++sign) {
             const int y = static_cast<int>(g_.levelY(sign == 0 ? dB : -dB, R_));
             context->setFrameColor(kGridLine);
-            context->drawLine(CPoint(g_.left, y), CPoint(g_.right, y));
+            context->drawLine(CPoint(g_.left + dx, y + dy), CPoint(g_.right + dx, y + dy));
             // A label on the inner area's edge would be cut off.
-            if (y - 7 < size.top || y + 2 > size.bottom) continue;
-            drawText(context, static_cast<int>(size.left) + 16, y + 3, kLevelTexts[2 * i + sign]);
+            if (y - 4 < size.top || y + 4 >= size.bottom) continue;
+            drawText(context, static_cast<int>(area.left) + 16, static_cast<int>(y + dy) + 3, kLevelTexts[2 * i + sign]);
         }
     }
+    const int yMid = static_cast<int>(g_.yMid + dy);
     context->setFrameColor(kCentreLine);
-    context->drawLine(CPoint(g_.left, g_.yMid), CPoint(g_.right, g_.yMid));
-    drawText(context, static_cast<int>(size.left) + 22, g_.yMid + 3, "0");
+    context->drawLine(CPoint(g_.left + dx, yMid), CPoint(g_.right + dx, yMid));
+    drawText(context, static_cast<int>(area.left) + 22, yMid + 3, "0");
     for (const auto& label : kFrequencyLabels)
-        drawText(context, g_.frequencyX(label.hz) - 3, static_cast<int>(size.top) + 11, label.text);
+        drawText(context, static_cast<int>(g_.frequencyX(label.hz) + dx) - 3, static_cast<int>(area.top) + 11, label.text);
 }
 
 void CPlot::drawCurves(CDrawContext* context) {
