@@ -37,6 +37,8 @@ constexpr int kLevelValues[] = {24, 18, 12, 9, 6, 5, 4, 3, 2, 1};
 int labelSpacing(double R) { return R > 12.01 ? 6 : R > 6.01 ? 3 : R > 3.01 ? 2 : 1; }
 
 constexpr int kHandleHalf = 5;
+constexpr double kCurveReach = 0.1;  // pixels a drawn curve may stray from its points
+
 constexpr int kBarWidthTrim[] = {0, 2, 4};
 constexpr int kTextBaselineOffset = 9;
 constexpr int kLabelColumn = 126;  // pixels from a row's label to its value
@@ -126,7 +128,7 @@ void CPlot::drawCurves(CDrawContext* context) {
         }
         context->setLineWidth(width);
         context->setFrameColor(colour);
-        context->drawPolyline(points, columns);
+        context->drawPolyline(points, plot::simplifyPolyline(points, columns, kCurveReach));
     };
     context->setClipRect(CRect(g_.left, g_.top, g_.right, g_.bottom + 1));
     for (int b = 0; b < plot::kBandCount; ++b)

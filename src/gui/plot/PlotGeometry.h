@@ -57,6 +57,11 @@ struct HandleSpot {
     double y = 0;  // drawn height in frame pixels
 };
 
+// Drops the vertices of a polyline (x rising) that lie within reach of the straight line through
+// their kept neighbours; answers how many are left at the start of points. Band curves are flat
+// or gently bent over most of the plot, and every vertex costs stroking work.
+int simplifyPolyline(CPoint* points, int count, double reach);
+
 // The lowest-numbered shown band whose handle lies within reach of (x, y), or −1.
 int hitHandle(const PlotGeometry& g, const HandleSpot (&spots)[kBandCount], double x, double y);
 

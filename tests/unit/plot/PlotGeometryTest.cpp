@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 
 #include "gui/plot/PlotGeometry.h"
@@ -48,6 +49,29 @@ TEST(PlotHitTest, ReachOfTenPixelsAndTheLowestBandWins) {
         {170, 69, -1}, {185, 95, 5}, {186, 95, -1}, {300, 150, -1},
     };
     for (const Case& c : cases) EXPECT_EQ(plot::hitHandle(kPlot, spots, c.x, c.y), c.band) << c.x << "," << c.y;
+}
+
+TEST(PlotCurves, SimplifiedPolylineStaysWithinReachOfEveryPoint) {
+    constexpr int kCount = 453;
+    CPoint original[kCount], points[kCount];
+    for (int x = 0; x < kCount; ++x) {
+        // Two resonances and a shelf, in pixels.
+        const double y = 99 - 30 / (1 + std::pow((x - 120) / 6.0, 2)) + 20 / (1 + std::pow((x - 300) / 25.0, 2)) +
+                         10 * std::tanh((x - 400) / 15.0);
+        original[x] = points[x] = CPoint(70 + x, y);
+    }
+    const int kept = plot::simplifyPolyline(points, kCount, 0.1);
+    EXPECT_LT(kept, kCount / 3) << "flat stretches collapse";
+    EXPECT_EQ(points[0], original[0]);
+    EXPECT_EQ(points[kept - 1], original[kCount - 1]);
+    int segment = 0;
+    for (const CPoint& p : original) {
+        while (points[segment + 1].x < p.x) ++segment;
+        const CPoint& a = points[segment];
+        const CPoint& b = points[segment + 1];
+        const double onLine = a.y + (b.y - a.y) * (p.x - a.x) / (b.x - a.x);
+        EXPECT_NEAR(onLine, p.y, 0.1 + 1e-9) << p.x;
+    }
 }
 
 TEST(SettingsRows, ValuesOutsideTheirListReadNotAvailableAndClicksWrap) {
