@@ -12,15 +12,7 @@ namespace {
 
 const plot::PlotGeometry kPlot(CRect(30, 20, 548, 163));
 
-TEST(PlotAxes, InnerAreaAndBothAxes) {
-    EXPECT_EQ(kPlot.left, 70);
-    EXPECT_EQ(kPlot.right, 523);
-    EXPECT_EQ(kPlot.top, 36);
-    EXPECT_EQ(kPlot.bottom, 162);
-    EXPECT_EQ(kPlot.yMid, 99);
-    EXPECT_EQ(kPlot.h, 63);
-    EXPECT_EQ(kPlot.H, 126);
-    EXPECT_EQ(kPlot.W, 453);
+TEST(PlotAxes, LevelRangesAndBothAxes) {
     struct Range {
         double p, dB;
     };
