@@ -54,7 +54,10 @@ CColor CPlot::bandColour(int band) const {
 }
 
 void CPlot::draw(CDrawContext* context) {
-    context->setClipRect(size);
+    // Inside the area the frame is redrawing, and inside the view.
+    const CRect frameClip = context->getClipRect();
+    const CRect clip = CRect(size).bound(frameClip);
+    context->setClipRect(clip);
     float levels[plot::kBars];
     const bool reading = bars_.isOn() && owner_;
     if (reading) owner_->getAnalyzerBars(levels);
@@ -70,7 +73,7 @@ void CPlot::draw(CDrawContext* context) {
         drawCurves(context);
         drawHandles(context);
     }
-    context->resetClipRect();
+    context->setClipRect(frameClip);
     setDirty(false);
 }
 
@@ -130,14 +133,15 @@ void CPlot::drawCurves(CDrawContext* context) {
         context->setFrameColor(colour);
         context->drawPolyline(points, plot::simplifyPolyline(points, columns, kCurveReach));
     };
-    context->setClipRect(CRect(g_.left, g_.top, g_.right, g_.bottom + 1));
+    const CRect viewClip = context->getClipRect();
+    context->setClipRect(CRect(g_.left, g_.top, g_.right, g_.bottom + 1).bound(viewClip));
     for (int b = 0; b < plot::kBandCount; ++b)
         if (bands_[b].shown) trace(curves_.band[side][b], bandColour(b), 1);
     // Both sides' totals, the shown side last so that it lies on top.
     trace(curves_.total[1 - side], kTotalColour[1 - side], 1);
     trace(curves_.total[side], kTotalColour[side], 2);
     context->setLineWidth(1);
-    context->setClipRect(size);
+    context->setClipRect(viewClip);
 }
 
 void CPlot::drawHandles(CDrawContext* context) const {
