@@ -161,6 +161,7 @@ void Editor::idlePlot(uint32_t /*elapsedMs*/) {
     plot->setDisplayOpacity(displayOpacity());
     // The bars move with time: while they are shown or fading, every idle draws them.
     if (on(parameter(params::kSpan)) || !plot->isFadedOut()) plot->setDirty();
+    else plot->pollCurves();
     plot->flushRedraw();
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 
 #include "gui/toolkit/CControlListener.h"
@@ -191,6 +192,14 @@ void CPlot::showSettingsPage() {
 void CPlot::cyclePages() {
     page_ = page_ == kPlotPage ? kSettingsPage : page_ == kSettingsPage ? kInformationPage : kPlotPage;
     redraw();
+}
+
+void CPlot::pollCurves() {
+    if (!owner_ || page_ != kPlotPage) return;
+    plot::PlotCurves fresh;
+    if (!owner_->getCurves(fresh) || std::memcmp(&fresh, &curves_, sizeof fresh) == 0) return;
+    curves_ = fresh;
+    setDirty();
 }
 
 void CPlot::flushRedraw() {

@@ -66,6 +66,10 @@ public:
     void showSettingsPage();
     void cyclePages();
 
+    // Takes the owner's curves and marks the view dirty when they differ from the drawn ones (a
+    // redesign may finish after the value that caused it reached the view).
+    void pollCurves();
+
     int hitTest(double x, double y) const;
     // Redraws when something asked for it since the last call.
     void flushRedraw();
