@@ -117,6 +117,10 @@ public:
     // The plot marks the hovered band (-1 none) and takes the selected one.
     void plotHoverBand(int band);
     void plotSelectBand(int band);
+    // Shows a page of the plot while the window is open: 0 the plot, 1 settings, 2 information.
+    void showPlotPage(int page);
+    // The analyzer bars end their fade at once (for still pictures).
+    void settlePlotFade();
 
 private:
     bool build();
@@ -143,6 +147,9 @@ private:
     void releasePlot();
     void showPlotParameter(int index, float value);
     void idlePlot(uint32_t elapsedMs);
+    // What the plot asks of the editor (EditorPlot.cpp); lives while the plot does.
+    class PlotLink;
+    friend class PlotLink;
     void showAllParameters();
     float parameter(int index) const;
     void setAutomated(int index, float value);
@@ -173,4 +180,6 @@ private:
     CControl* meters[2] = {};
 
     // --- response plot
+    class CPlot* plot = nullptr;
+    PlotLink* plotLink = nullptr;
 };

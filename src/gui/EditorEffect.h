@@ -33,6 +33,10 @@ public:
     // --- switches, solo strip, small views, meters
 
     // --- response plot and settings page
+    // The response curves in dB on the plot grid of 453 points: totals holds 2 × 453 floats
+    // (side A, then side B), bands 2 × 8 × 453 (side A's bands 1..8, then side B's). False,
+    // and nothing written, while the curves are being recomputed.
+    virtual bool getPlotCurves(float* totals, float* bands) = 0;
 
 protected:
     ~EditorEffect() = default;

@@ -74,6 +74,8 @@ public:
 
     // The analyzer's 31 band levels in dB, highest band first; nothing without an analyzer.
     void getAnalyzerBars(float* out) override;
+    // The band and total curves for the editor's plot (PluginPlotSide.cpp).
+    bool getPlotCurves(float* totals, float* bands) override;
 
     // The user's global settings: read once at construction, written when the editor asks.
     void loadGlobalSettings();

@@ -12,10 +12,22 @@ namespace {
 [[maybe_unused]] const bool artworkInstalled = (CBitmap::setResourceFinder(findEmbeddedBitmap), true);
 }  // namespace
 
-VstIntPtr Plugin::vendorSpecific(VstInt32 index, VstIntPtr /*value*/, void* ptr, float /*opt*/) {
-    if (index == vendor::kSnapshotRequest) {
-        if (!ptr || !pluginEditor) return 0;
-        return pluginEditor->writeSnapshot(static_cast<const char*>(ptr)) ? 1 : 0;
+VstIntPtr Plugin::vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float /*opt*/) {
+    if (!pluginEditor) return 0;
+    switch (index) {
+        case vendor::kSnapshotRequest:
+            if (!ptr) return 0;
+            // A still picture shows the analyzer as it stands, not halfway through its fade-in.
+            pluginEditor->settlePlotFade();
+            return pluginEditor->writeSnapshot(static_cast<const char*>(ptr)) ? 1 : 0;
+        case vendor::kOffscreenEditorRequest:
+            if (value == 0) pluginEditor->close();
+            else if (!pluginEditor->isOpen()) pluginEditor->openOffscreen();
+            return pluginEditor->isOpen() == (value != 0) ? 1 : 0;
+        case vendor::kPlotPageRequest:
+            if (!pluginEditor->isOpen()) return 0;
+            pluginEditor->showPlotPage(static_cast<int>(value));
+            return 1;
+        default: return 0;
     }
-    return 0;
 }

@@ -37,10 +37,20 @@ const char* const kUsage =
     "  --list-presets        print the bank (* marks the current preset) and exit\n"
     "  --list-params         print every parameter with its text and value and exit\n"
     "  --snapshot FILE.png   write the editor as it looks with these settings and exit\n"
+    "  --render-snapshot FILE.png   render with the editor open, then write it as it looks\n"
+    "                        at the end (analyzer bars included)\n"
+    "  --page plot|settings|info   the page the response plot shows in either picture\n"
     "  --quiet               no progress bar and no summary\n"
     "  --help                this text\n";
 
 namespace {
+
+int parsePage(const std::string& text) {
+    static const char* const kPages[] = {"plot", "settings", "info"};
+    for (int i = 0; i < 3; ++i)
+        if (text == kPages[i]) return i;
+    throw UsageError("unknown --page " + quoted(text) + "; use plot, settings or info");
+}
 
 int parseBlock(const std::string& text) {
     char* end = nullptr;
@@ -115,6 +125,8 @@ Options parseOptions(int argc, char** argv) {
         else if (arg == "--list-presets") flag(o.listPresets);
         else if (arg == "--list-params") flag(o.listParams);
         else if (arg == "--snapshot") o.snapshot = value();
+        else if (arg == "--render-snapshot") o.renderSnapshot = value();
+        else if (arg == "--page") o.page = parsePage(value());
         else throw UsageError("unknown option " + quoted(arg));
     }
     if (positional.size() > 2) throw UsageError("too many file names (at most INPUT and OUTPUT)");

@@ -25,6 +25,8 @@ struct Options {
     bool listPresets = false;
     bool listParams = false;
     std::string snapshot;  // write the editor as a PNG instead of rendering audio
+    std::string renderSnapshot;  // write the editor as a PNG after rendering with it open
+    int page = 0;                // the plot's page in either picture: 0 plot, 1 settings, 2 information
     bool help = false;
 };
 

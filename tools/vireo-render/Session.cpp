@@ -182,6 +182,14 @@ void Session::stopProcessing() {
     processing_ = false;
 }
 
+void Session::openEditor(int page) {
+    if (plugin_->dispatch(effVendorSpecific, vendor::kOffscreenEditorRequest, 1, nullptr) != 1 ||
+        plugin_->dispatch(effVendorSpecific, vendor::kPlotPageRequest, page, nullptr) != 1)
+        throw RunError("the plug-in cannot open its editor for a picture");
+}
+
+void Session::closeEditor() { plugin_->dispatch(effVendorSpecific, vendor::kOffscreenEditorRequest, 0, nullptr); }
+
 void Session::writeSnapshot(const std::string& path) {
     if (plugin_->dispatch(effVendorSpecific, vendor::kSnapshotRequest, 0, const_cast<char*>(path.c_str())) != 1)
         throw RunError("cannot write the editor's picture to " + quoted(path));

@@ -45,6 +45,10 @@ public:
     void printPresets(std::FILE* out);
     // The plug-in draws its editor for the current settings into a PNG file.
     void writeSnapshot(const std::string& path);
+    // Opens the editor without a window (the analyzer is fed while it is open) and shows a page
+    // of its plot; closed again by closeEditor or the session's end.
+    void openEditor(int page);
+    void closeEditor();
     void printParameters(std::FILE* out);
 
     // Switches the effect on for a run of process calls and returns the latency it reports then.

@@ -119,7 +119,11 @@ int run(const Options& o) {
     if (!o.presetFile.empty()) session.loadPresetFile(o.presetFile);
     for (const auto& [name, value] : o.sets) session.setParameter(name, value);
 
-    if (!o.snapshot.empty()) session.writeSnapshot(o.snapshot);
+    if (!o.snapshot.empty()) {
+        session.openEditor(o.page);
+        session.writeSnapshot(o.snapshot);
+        session.closeEditor();
+    }
     if (listing) {
         if (o.listPresets) session.printPresets(stdout);
         if (o.listPresets && o.listParams) std::printf("\n");
@@ -137,8 +141,13 @@ int run(const Options& o) {
     settings.useDouble = o.useDouble;
     settings.keepLatency = o.keepLatency;
     settings.progress = !o.quiet && isatty(STDERR_FILENO);
+    if (!o.renderSnapshot.empty()) session.openEditor(o.page);
     settings.latency = session.startProcessing();
     const RenderResult result = renderAudio(session.plugin(), source, output, settings);
+    if (!o.renderSnapshot.empty()) {
+        session.writeSnapshot(o.renderSnapshot);
+        session.closeEditor();
+    }
     session.stopProcessing();
     output.commit();
 

@@ -24,8 +24,9 @@ constexpr Area kControls[] = {
     {"save preset", 104, 494, 121, 509},  {"default preset", 122, 494, 166, 507}, {"load preset", 166, 494, 183, 509},
     {"memories", 388, 494, 503, 509},     {"keyboard focus", 710, 497, 721, 504}, {"manual", 729, 496, 740, 505},
     {"band 1 type", 86, 251, 108, 267},   {"resolution", 591, 169, 699, 187},   {"solo strip", 79, 465, 602, 486},
+    {"plot", 30, 20, 548, 163},
 };
-constexpr Area kPanel[] = {{"plot", 30, 20, 548, 163}, {"band 1", 75, 272, 120, 300}};
+constexpr Area kPanel[] = {{"band 1", 75, 272, 120, 300}};
 
 }  // namespace
 
