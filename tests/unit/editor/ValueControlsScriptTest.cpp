@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "gui/Editor.h"
 #include "unit/plugin/PluginHarness.h"
@@ -249,6 +251,37 @@ TEST_F(ValueControlsScript, WithAMonoInputOnlyTheKnobAndTheAnalyzerButtonAnswer)
     p().setParameter(params::kPlotRange, 0.5f);
     drag(kJogCentre, 0, -30);
     EXPECT_NEAR(param(params::kPlotRange), 0.6f, 1e-6);
+}
+
+// Peak of the left output over the second half of a 5 kHz sine of amplitude 0.5.
+float outputPeak(Plugin& p, double seconds) {
+    constexpr int kRate = 48000, kBlock = 512;
+    const int kTotal = static_cast<int>(seconds * kRate);
+    std::vector<float> in(kBlock), outL(kBlock), outR(kBlock);
+    float peak = 0;
+    for (int start = 0; start < kTotal; start += kBlock) {
+        for (int i = 0; i < kBlock; ++i) in[i] = 0.5f * static_cast<float>(std::sin(2 * M_PI * 5000.0 * (start + i) / kRate));
+        float* inputs[2] = {in.data(), in.data()};
+        float* outputs[2] = {outL.data(), outR.data()};
+        p.processReplacing(inputs, outputs, kBlock);
+        if (start >= kTotal / 2)
+            for (float y : outL) peak = std::max(peak, std::fabs(y));
+    }
+    return peak;
+}
+
+TEST_F(ValueControlsScript, RightClickOnAFrequencyKnobAuditionsItsBandUntilThePointerLeaves) {
+    p().setSampleRate(48000);
+    p().setBlockSize(512);
+    p().resume();
+    p().setParameter(params::kFreq, static_cast<float>(std::log10(5.0) / 3));  // band 1 at 100 Hz
+    const CPoint k = kFrequencyKnob[0];
+    EXPECT_NEAR(outputPeak(p(), 1.5), 0.5f, 0.01f);  // past the reported latency
+    move(frame(), k.x, k.y);
+    click(frame(), k.x, k.y, kRButton);
+    EXPECT_LT(outputPeak(p(), 0.2), 0.05f) << "5 kHz far outside the 100 Hz band-pass";
+    move(frame(), 300, 480);
+    EXPECT_NEAR(outputPeak(p(), 0.2), 0.5f, 0.01f);
 }
 
 // Idles the editor (its own 25 ms gate) until the header's drive line, shown for the first
