@@ -6,12 +6,9 @@
 
 #include <X11/extensions/XTest.h>
 
-#include <chrono>
 #include <dirent.h>
-#include <thread>
 
-#include "host/VstHost.h"
-#include "unit/toolkit/XvfbFixture.h"
+#include "PluginWindowFixture.h"
 
 namespace {
 
@@ -26,34 +23,7 @@ int openFileCount() {
 
 constexpr int kPowerX = 678, kPowerY = 462;
 
-class EditorWindow : public XvfbFixture {
-protected:
-    void SetUp() override {
-        XvfbFixture::SetUp();
-        if (IsSkipped()) return;
-        std::string error;
-        plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH, &error);
-        ASSERT_TRUE(plugin) << error;
-        plugin->open();
-    }
-    void TearDown() override {
-        plugin.reset();
-        XvfbFixture::TearDown();
-    }
-
-    // Pumps the editor's idle, as a host's timer would, until the condition holds (two seconds).
-    template <typename Condition>
-    bool idleUntil(Condition condition) {
-        for (int i = 0; i < 200; ++i) {
-            plugin->dispatch(effEditIdle);
-            if (condition()) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    }
-
-    std::unique_ptr<vsthost::LoadedPlugin> plugin;
-};
+using EditorWindow = PluginWindowFixture;
 
 TEST_F(EditorWindow, OpensInTheHostWindowAndAnswersAClick) {
     ERect* rect = nullptr;

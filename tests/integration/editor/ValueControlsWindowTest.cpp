@@ -5,49 +5,22 @@
 
 #include <X11/extensions/XTest.h>
 
-#include <chrono>
 #include <cmath>
-#include <thread>
 
-#include "host/VstHost.h"
-#include "unit/toolkit/XvfbFixture.h"
+#include "PluginWindowFixture.h"
 
 namespace {
 
 constexpr int kBand1FrequencyX = 98, kBand1FrequencyY = 319;
 constexpr int kBand1Frequency = 22, kBand1FrequencyRight = 30, kChannel = 71;
 
-class ValueControlsWindow : public XvfbFixture {
+class ValueControlsWindow : public PluginWindowFixture {
 protected:
-    void SetUp() override {
-        XvfbFixture::SetUp();
-        if (IsSkipped()) return;
-        std::string error;
-        plugin = vsthost::LoadedPlugin::load(TYX_PLUGIN_PATH, &error);
-        ASSERT_TRUE(plugin) << error;
-        plugin->open();
-    }
-    void TearDown() override {
-        plugin.reset();
-        XvfbFixture::TearDown();
-    }
-
-    template <typename Condition>
-    bool idleUntil(Condition condition) {
-        for (int i = 0; i < 200; ++i) {
-            plugin->dispatch(effEditIdle);
-            if (condition()) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    }
     void pointerTo(int x, int y) {
         XTestFakeMotionEvent(display, DefaultScreen(display), x, y, CurrentTime);
         XFlush(display);
         plugin->dispatch(effEditIdle);
     }
-
-    std::unique_ptr<vsthost::LoadedPlugin> plugin;
 };
 
 TEST_F(ValueControlsWindow, DraggingAFrequencyKnobUpRaisesItsParameter) {

