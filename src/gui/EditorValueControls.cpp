@@ -107,6 +107,8 @@ void Editor::buildValueControls(CFrame* frame) {
 }
 
 void Editor::releaseValueControls() {
+    // A band auditioned from its knob is not left playing once the window has gone.
+    setFocusBand(-1);
     header = nullptr;
     jog = nullptr;
     for (int b = 0; b < params::kBands; ++b) frequencyKnobs[b] = gainKnobs[b] = qKnobs[b] = nullptr;
