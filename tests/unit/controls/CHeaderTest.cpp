@@ -35,19 +35,6 @@ TEST_F(Header, ABypassedLowCutShowsBypassWithItsQAndNoGain) {
     EXPECT_EQ(t.output, "+0.0");
 }
 
-TEST_F(Header, TheQFollowsTheTypeSetLast) {
-    header->setBand(2);
-    header->setQ(1.0f);
-    header->setType(0.25f);  // step 3: peaking
-    EXPECT_EQ(header->texts().q, "20.00");
-    header->setType(0.18f);  // step 2: low shelf
-    EXPECT_EQ(header->texts().q, "1.41");
-    header->setType(0.0f);  // step 0: the 12 dB/oct low cut has no Q
-    EXPECT_EQ(header->texts().q, "");
-    header->setBand(-1);
-    EXPECT_EQ(header->texts().type, "");
-}
-
 TEST_F(Header, TheWheelIsOneEditOfTheOutput) {
     EXPECT_FALSE(frame.onWheel(CPoint(300, 173), CMouseWheelAxis::kVertical, 1, 0));
     EXPECT_TRUE(frame.onWheel(CPoint(490, 173), CMouseWheelAxis::kVertical, 1, 0));  // over the output

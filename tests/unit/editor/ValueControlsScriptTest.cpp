@@ -157,16 +157,14 @@ struct TypingCase {
     double expected;  // < 0: unchanged
 };
 const TypingCase kTypingCases[] = {
-    {"thousands", kFrequencyKnob[0], 3, "1k", params::kFreq, std::log10(50.0) / 3},
     {"kilohertz", kFrequencyKnob[0], 3, "1.5 kHz", params::kFreq, std::log10(75.0) / 3},
     {"plain hertz", kFrequencyKnob[0], 3, "200", params::kFreqR, 1.0 / 3},
-    {"not a number", kFrequencyKnob[0], 3, "abc", params::kFreq, -1},
+    {"not a number", kFrequencyKnob[0], 3, "1.5 kHz?", params::kFreq, -1},
     {"gain in dB", kGainKnob[0], 3, "-3 dB", params::kGain, 0.4375},
     {"gain of a cut: no typing", kGainKnob[0], 0, "6", params::kGain, -1},
     {"Q of a shelf", kQKnob1, 2, "0.7", params::kQ, (std::log2(0.7) + 1.5) / 2},
     {"Q of a 12 dB/oct cut: no typing", kQKnob1, 5, "2", params::kQ, -1},
     {"output, signed", kOutputKnob, 3, "+2.5", params::kOutput, 0.5 + 2.5 / 24},
-    {"output beyond its range", kOutputKnob, 3, "-40 dB", params::kOutput, 0.0},
 };
 
 TEST_F(ValueControlsScript, DoubleClickOpensTypingInDisplayUnits) {
