@@ -27,6 +27,7 @@ constexpr CPoint kHeaderOutput(490, 173);
 constexpr CPoint kJogCentre(645, 89);
 constexpr CPoint kJogUpperLeft(605, 59), kJogUpperRight(685, 59), kJogTop(645, 40);
 constexpr CPoint kJogLowerLeft(605, 119), kJogLowerRight(685, 119), kJogDeadRing(645, 46);
+constexpr CPoint kEmptyPanel(560, 200);  // no control there
 
 constexpr float kLeft = 0.0f, kRight = 0.5f, kLink = 1.0f;  // Channel values
 int step(float v, int n) { return params::quantize(v, n); }
@@ -280,7 +281,7 @@ TEST_F(ValueControlsScript, RightClickOnAFrequencyKnobAuditionsItsBandUntilThePo
     move(frame(), k.x, k.y);
     click(frame(), k.x, k.y, kRButton);
     EXPECT_LT(outputPeak(p(), 0.2), 0.05f) << "5 kHz far outside the 100 Hz band-pass";
-    move(frame(), 300, 480);
+    move(frame(), kEmptyPanel.x, kEmptyPanel.y);
     EXPECT_NEAR(outputPeak(p(), 0.2), 0.5f, 0.01f);
 }
 
@@ -296,20 +297,35 @@ void idlePastTheDriveLine(Editor& editor) {
     editor.idle();
 }
 
-TEST_F(ValueControlsScript, SelectedBandShowsInTheHeader) {
+// The header's pixels as drawn now.
+std::vector<CColor> headerPixels(CFrame& frame) {
+    frame.redrawDirty();
+    std::vector<CColor> pixels;
+    for (int y = 164; y < 184; ++y)
+        for (int x = 85; x < 455; ++x) pixels.push_back(frame.getImage().pixel(x, y));
+    return pixels;
+}
+
+TEST_F(ValueControlsScript, SelectedBandShowsInTheHeaderAndAHoveredOneWhileHovered) {
     p().setParameter(params::kType + 2, typeValue(3));
     p().setParameter(params::kFreq + 2, 0.5f);
     p().setParameter(params::kGain + 2, 0.625f);
     p().setParameter(params::kQ + 2, 0.6f);
     p().setParameter(params::kSpan, 0.75f);
+    move(frame(), kGainKnob[2].x, kGainKnob[2].y);
     click(frame(), kGainKnob[2].x, kGainKnob[2].y);
     idlePastTheDriveLine(editor());
-    frame().redrawDirty();
+    move(frame(), kEmptyPanel.x, kEmptyPanel.y);  // off the knobs: still the selected band
+    const std::vector<CColor> selected = headerPixels(frame());
     // The band number's highlighted cell: its sixth column carries no ink.
     EXPECT_EQ(frame().getImage().pixel(91, 170), (CColor{79, 79, 79, 255}));
     if (const char* dir = std::getenv("TYX_SNAPSHOT_DIR")) {
         EXPECT_TRUE(editor().writeSnapshot(std::string(dir) + "/band-selected.png"));
     }
+    move(frame(), kQKnob1.x, kQKnob1.y);
+    EXPECT_NE(headerPixels(frame()), selected) << "band 1 hovered";
+    move(frame(), kEmptyPanel.x, kEmptyPanel.y);
+    EXPECT_EQ(headerPixels(frame()), selected);
 }
 
 }  // namespace
