@@ -118,6 +118,8 @@ TEST_F(ValueControlsScript, OneWheelUnitMovesAHundredthOrWithShiftAThousandth) {
     EXPECT_NEAR(param(params::kGain), 0.509f, 1e-6);
     wheel(kHeaderOutput, 1);
     EXPECT_NEAR(param(params::kOutput), 0.51f, 1e-6);
+    wheel(kOutputKnob, 1);
+    EXPECT_NEAR(param(params::kOutput), 0.52f, 1e-6);
     p().setParameter(params::kPlotRange, 0.5f);
     wheel(kJogCentre, -2);
     EXPECT_NEAR(param(params::kPlotRange), 0.48f, 1e-6);
