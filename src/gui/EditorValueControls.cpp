@@ -2,6 +2,9 @@
 // they sit, how parameter values reach them and what their callbacks do.
 
 #include "gui/Editor.h"
+
+#include <optional>
+
 #include "gui/EditorEffect.h"
 #include "gui/controls/CHeader.h"
 #include "gui/controls/CJog.h"
@@ -25,12 +28,13 @@ constexpr JogPlace kJogPlace{CRect(580, 30, 709, 152), 162, 131, 132};
 // One row of band knobs: the left edge of each band's knob, the row's top, the film strip of
 // each band and where the row's value is typed (over its text in the header).
 constexpr double kKnobWidth = 37, kKnobHeight = 36;
+constexpr int kStripGroups = 3;
 struct KnobRow {
     valuetext::Kind kind;
     int firstTag;
     double left[params::kBands];
     double top;
-    int strips[3];  // bands 1-3, 4-5, 6-8
+    int strips[kStripGroups];  // bands 1-3, 4-5, 6-8
     CRect textPlace;
 };
 constexpr KnobRow kFrequencyRow{valuetext::kFrequency, params::kFreq,
@@ -87,13 +91,14 @@ void Editor::buildValueControls(CFrame* frame) {
     frame->addView(jog);
 
     auto addRow = [&](const KnobRow& row, CMyEditKnob** knobs) {
+        CBitmap* strips[kStripGroups];
+        for (int i = 0; i < kStripGroups; ++i) strips[i] = new CBitmap(row.strips[i]);
         for (int b = 0; b < params::kBands; ++b) {
             const CRect place(row.left[b], row.top, row.left[b] + kKnobWidth, row.top + kKnobHeight);
-            auto* strip = new CBitmap(row.strips[stripGroup(b)]);
-            knobs[b] = new CMyEditKnob(place, this, row.firstTag + b, row.kind, strip, row.textPlace);
-            strip->forget();
+            knobs[b] = new CMyEditKnob(place, this, row.firstTag + b, row.kind, strips[stripGroup(b)], row.textPlace);
             frame->addView(knobs[b]);
         }
+        for (CBitmap* strip : strips) strip->forget();
     };
     addRow(kFrequencyRow, frequencyKnobs);
     addRow(kGainRow, gainKnobs);
