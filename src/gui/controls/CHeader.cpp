@@ -66,7 +66,8 @@ void CHeader::setDrive(float dB) {
 void CHeader::advanceDriveShow(int elapsedMs) {
     if (driveShow >= kDriveShowMs) return;
     driveShow += elapsedMs;
-    setDirty();
+    // Only the end of the drive line changes what is drawn.
+    if (driveShow >= kDriveShowMs) setDirty();
 }
 
 void CHeader::setAnalyzerHint(bool shown) {
