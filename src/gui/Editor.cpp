@@ -109,7 +109,7 @@ void Editor::idle() {
         animation.restartAutoZoom();
     }
     animation.advanceRange(elapsed, parameter(params::kPlotRange));
-    animation.advanceFade(elapsed, params::quantize(parameter(params::kSpan), 2) == 1);
+    animation.advanceFade(elapsed, analyzerHintShown && params::quantize(parameter(params::kSpan), 2) == 1);
     idleValueControls(elapsed);
     idleSwitches(elapsed);
     idlePlot(elapsed);

@@ -45,6 +45,20 @@ public:
     virtual void infoClicked() = 0;
 
     // --- value controls: header, jog, edit knobs
+    // The jog's ring buttons: Listen 0..2 (0 off); channel mode 1 LEFT, 2 RIGHT, 3 LINK; the
+    // mid/side and analyzer toggles; the analyzer's settings page; and whether the analyzer
+    // button's short help is shown.
+    virtual void setListenMode(int mode) = 0;
+    virtual void setChannelMode(int mode) = 0;
+    virtual void toggleMidSide() = 0;
+    virtual void toggleAnalyzer() = 0;
+    virtual void openSettingsPage() = 0;
+    virtual void showAnalyzerHint(bool shown) = 0;
+    // An edit knob changed band 0..7's value (normalized); the editor writes it to the side or
+    // sides Channel selects.
+    virtual void bandFrequencyChanged(int band, float value) = 0;
+    virtual void bandGainChanged(int band, float value) = 0;
+    virtual void bandQChanged(int band, float value) = 0;
 
     // --- switches, solo strip, small views, meters
     // The two held output peaks (largest absolute sample since the last clear); left as they
@@ -104,6 +118,15 @@ public:
     void setFocusBand(int band) override;
     // The header's analyzer-drive line, shown for a second after each drive change.
     void showDrive(float dB);
+    void setListenMode(int mode) override;
+    void setChannelMode(int mode) override;
+    void toggleMidSide() override;
+    void toggleAnalyzer() override;
+    void openSettingsPage() override;
+    void showAnalyzerHint(bool shown) override;
+    void bandFrequencyChanged(int band, float value) override;
+    void bandGainChanged(int band, float value) override;
+    void bandQChanged(int band, float value) override;
 
     // --- switches, solo strip, small views, meters (EditorSwitches.cpp)
     void setSoloMask(int mask) override;
@@ -135,6 +158,16 @@ private:
     // Changes of value controls not handled by valueChanged's common tags.
     void valueControlChanged(CControl* control);
     void idleValueControls(uint32_t elapsedMs);
+    // The side whose band values the knobs and the header show: 0 left (mid), 1 right (side).
+    int shownSide() const;
+    // The header shows band 0..7 from the shown side, or only the output for -1.
+    void showBandInHeader(int band);
+    // Every band knob and the header take the shown side's values again.
+    void reloadBandControls();
+    void updateEditPairings();
+    void toggleSwitch(int index);
+    // A band value an edit knob wrote through the effect is shown as the effect now holds it.
+    void showBandValue(int firstIndex, int band);
 
     // --- switches, solo strip, small views, meters (EditorSwitches.cpp)
     void buildSwitches(CFrame* frame);
@@ -169,6 +202,18 @@ private:
 
     // Controls owned by the frame; null while closed.
     // --- value controls
+    class CHeader* header = nullptr;
+    bool analyzerHintShown = false;
+    class CJog* jog = nullptr;
+    // Per band: the frequency, gain and Q knobs.
+    class CMyEditKnob* frequencyKnobs[params::kBands] = {};
+    class CMyEditKnob* gainKnobs[params::kBands] = {};
+    class CMyEditKnob* qKnobs[params::kBands] = {};
+    class CMyEditKnob* outputKnob = nullptr;
+    int selectedBand = -1;
+    int hoveredBand = -1;
+    // The band last handed to the effect as the focus band (-1 none).
+    int focusBand = -1;
 
     // --- switches, solo strip, small views, meters
     CControl* powerButton = nullptr;

@@ -24,9 +24,10 @@ constexpr Area kControls[] = {
     {"save preset", 104, 494, 121, 509},  {"default preset", 122, 494, 166, 507}, {"load preset", 166, 494, 183, 509},
     {"memories", 388, 494, 503, 509},     {"keyboard focus", 710, 497, 721, 504}, {"manual", 729, 496, 740, 505},
     {"band 1 type", 86, 251, 108, 267},   {"resolution", 591, 169, 699, 187},   {"solo strip", 79, 465, 602, 486},
-    {"plot", 30, 20, 548, 163},
+    {"plot", 30, 20, 548, 163},           {"jog", 580, 30, 709, 152},           {"header", 85, 164, 510, 184},
+    {"output knob", 646, 370, 700, 424},  {"band 1 frequency", 80, 301, 117, 337}, {"band 8 Q", 562, 416, 599, 452},
 };
-constexpr Area kPanel[] = {{"band 1", 75, 272, 120, 300}};
+constexpr Area kPanel[] = {{"between band 1's knobs", 75, 338, 120, 357}};
 
 }  // namespace
 

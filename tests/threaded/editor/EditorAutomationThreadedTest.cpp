@@ -1,4 +1,4 @@
-// The effect passing automated Power, FAT and LinPhase values to its editor from the audio
+// The effect passing automated switch, output, band and Channel values to its editor from the audio
 // thread while the user-interface thread opens the editor (off screen), idles it and closes it
 // again, over and over.
 // Meant to run under ThreadSanitizer: the editor's controls are only touched under its lock,
@@ -16,6 +16,9 @@
 #include "presets/Parameters.h"
 
 namespace {
+constexpr int kAutomated[] = {params::kPower,  params::kFat,      params::kLinPhase,
+                               params::kOutput, params::kGain + 2, params::kChannel};
+
 VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
     return opcode == audioMasterVersion ? kVstVersion : 0;
 }
@@ -29,7 +32,7 @@ TEST(EditorThreads, AutomationWhileTheEditorOpensIdlesAndCloses) {
     std::thread automation([&] {
         for (int i = 0; !done.load(); ++i) {
             const float v = (i & 1) ? 1.0f : 0.0f;
-            for (int index : {params::kPower, params::kFat, params::kLinPhase}) editor.setParameter(index, v);
+            for (int index : kAutomated) editor.setParameter(index, v);
         }
     });
     for (int cycle = 0; cycle < 20; ++cycle) {
