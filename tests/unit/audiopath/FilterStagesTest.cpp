@@ -225,12 +225,15 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
     for (int s = 0; s < dsp::kBandSlots; ++s) bank.slots[s] = peaking(60.0 * (s + 1), 0.5 + 0.3 * (s % 4), s % 2 ? 6.0 : -9.0);
     const Signal x[2] = {randomSignal(5000, 41), randomSignal(5000, 42)};
     for (uint32_t active : {0xffffu, 0x01ffu, 0xfe01u, 0x0000u, 0x8001u}) {
-        dsp::MinimumPhaseCascade plain, sse2;
+        // The SSE2 family with and without the 256-bit steps.
+        dsp::MinimumPhaseCascade plain, sse2(false), wide(true);
         plain.load(bank, active);
         sse2.load(bank, active);
-        Signal y[2], z[2];
+        wide.load(bank, active);
+        Signal y[2], z[2], w[2];
         filter<dsp::PlainPair>(plain, x, y, {512, 3, 1, 200, 511});
         filter<dsp::Sse2Pair>(sse2, x, z, {17, 512, 64});
+        filter<dsp::Sse2Pair>(wide, x, w, {512, 31, 32, 33, 1, 300});
         for (int side = 0; side < 2; ++side) {
             std::vector<dsp::BiquadCoefficients> own;
             for (int b = 0; b < dsp::kBandsPerSide; ++b)
@@ -238,6 +241,7 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
             const Signal expected = serialSections(own, x[side]);
             EXPECT_EQ(y[side], expected) << std::hex << active << " side " << side;
             EXPECT_EQ(z[side], expected) << std::hex << active << " side " << side;
+            EXPECT_EQ(w[side], expected) << std::hex << active << " side " << side;
         }
     }
 }
