@@ -49,16 +49,13 @@ struct alignas(16) CascadeStage {
 // Leaves the states, and the in-flight samples in `pairs`, as the pair routine would.
 void cascadeFullStepsAvx2(CascadeStage* stages, int stageCount, double* pairs, int from, int to);
 
-// Whether this machine runs cascadeFullStepsAvx2.
-bool cascadeAvx2Usable();
-
 class MinimumPhaseCascade {
 public:
     static constexpr int kSectionsPerBand = CascadeStage::kPasses;
     static constexpr int kMaxBlock = 512;  // pairs per process() call
 
     // `wide`: the SSE2 family takes the AVX2 steps (only where the machine has AVX2).
-    explicit MinimumPhaseCascade(bool wide = cascadeAvx2Usable()) : wide_(wide && cascadeAvx2Usable()) {}
+    explicit MinimumPhaseCascade(bool wide = true) : wide_(wide && avx2Usable()) {}
 
     // Bit s set: slot s (bands 1..8 of side A, then of side B) runs. A band type of 7 or more
     // is a band switched off.

@@ -81,6 +81,47 @@ TEST(RateConverters, TheDecimatingPairsRemoveContentAboveTheInnerNyquistFrequenc
     expectRemoved(roundTrip<dsp::QuarterRateConverter>, 192000.0, 16384, -100.0, {27000.0, 30000.0, 40000.0, 60000.0, 90000.0});
 }
 
+// Noise through each converter pair in the plain family and in the SSE2 family with 128-bit
+// and 256-bit sums: every output sample is the same, bit for bit, on both sides.
+template <class C, class P>
+std::vector<double> pairTrace(bool wide, const Signal& x) {
+    C c{dsp::SumWidth(wide)};
+    std::vector<double> y;
+    for (size_t n = 0; n < x.size(); ++n) {
+        const P in = P::make(x[n], x[(n * 5) % x.size()]);
+        P out;
+        if constexpr (std::is_same_v<C, dsp::DoubleRateConverter>) {
+            P inner[2];
+            c.up(in, inner);
+            inner[1] = inner[1] * P::splat(-0.75);  // the halves meet something other than an identity
+            out = c.down(inner);
+        } else {
+            P inner;
+            if (c.down(in, inner)) c.up(inner * P::splat(-0.75));
+            out = c.template out<P>();
+        }
+        y.push_back(out.a()), y.push_back(out.b());
+    }
+    return y;
+}
+
+TEST(RateConverters, EverySumWidthGivesTheSameNumbers) {
+    const Signal x = randomSignal(3000, 9);
+    const struct {
+        const char* name;
+        std::vector<double> (*plain)(bool, const Signal&), (*sse2)(bool, const Signal&);
+    } cases[] = {
+        {"x2", pairTrace<dsp::DoubleRateConverter, dsp::PlainPair>, pairTrace<dsp::DoubleRateConverter, dsp::Sse2Pair>},
+        {"x1/2", pairTrace<dsp::HalfRateConverter, dsp::PlainPair>, pairTrace<dsp::HalfRateConverter, dsp::Sse2Pair>},
+        {"x1/4", pairTrace<dsp::QuarterRateConverter, dsp::PlainPair>, pairTrace<dsp::QuarterRateConverter, dsp::Sse2Pair>},
+    };
+    for (const auto& c : cases) {
+        const auto reference = c.plain(false, x);
+        EXPECT_EQ(c.sse2(false, x), reference) << c.name;
+        EXPECT_EQ(c.sse2(true, x), reference) << c.name << " (256-bit sums where the machine has them)";
+    }
+}
+
 // Each converter filter on noise, side A, against figures recorded from the straightforward
 // form (one running sum per filter, in tap order): the partial sums may round differently,
 // never by more than 1e-12.
