@@ -50,11 +50,14 @@ public:
     }
     template <class P>
     void push(P x) {
-        x.store(&data_[2 * pos_]);
-        x.store(&data_[2 * (pos_ + Size)]);
-        x.store(&reversed_[2 * (Size - 1 - pos_)]);
-        x.store(&reversed_[2 * (2 * Size - 1 - pos_)]);
-        if (++pos_ == Size) pos_ = 0;
+        // The position is read once: a vector store may alias it, so the compiler would read it
+        // back after every store, each read waiting for the store before it.
+        const int pos = pos_;
+        x.store(&data_[2 * pos]);
+        x.store(&data_[2 * (pos + Size)]);
+        x.store(&reversed_[2 * (Size - 1 - pos)]);
+        x.store(&reversed_[2 * (2 * Size - 1 - pos)]);
+        pos_ = pos + 1 == Size ? 0 : pos + 1;
     }
     // The window, oldest first, as interleaved pairs: pair j at window() + 2j; pair 0 was
     // pushed Size − 1 pushes ago, pair Size − 1 is the newest.
