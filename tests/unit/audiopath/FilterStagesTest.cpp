@@ -83,9 +83,10 @@ TEST(RateConverters, TheDecimatingPairsRemoveContentAboveTheInnerNyquistFrequenc
 
 // Noise through each converter pair in the plain family and in the SSE2 family with 128-bit
 // and 256-bit sums: every output sample is the same, bit for bit, on both sides.
-template <class C, class P>
+template <class C, class P, int InnerDelay = 0>
 std::vector<double> pairTrace(bool wide, const Signal& x) {
     C c{dsp::SumWidth(wide)};
+    if constexpr (std::is_same_v<C, dsp::DoubleRateConverter>) c.setInnerDelay(InnerDelay);
     std::vector<double> y;
     for (size_t n = 0; n < x.size(); ++n) {
         const P in = P::make(x[n], x[(n * 5) % x.size()]);
@@ -112,6 +113,8 @@ TEST(RateConverters, EverySumWidthGivesTheSameNumbers) {
         std::vector<double> (*plain)(bool, const Signal&), (*sse2)(bool, const Signal&);
     } cases[] = {
         {"x2", pairTrace<dsp::DoubleRateConverter, dsp::PlainPair>, pairTrace<dsp::DoubleRateConverter, dsp::Sse2Pair>},
+        {"x2, odd inner delay", pairTrace<dsp::DoubleRateConverter, dsp::PlainPair, 1>,
+         pairTrace<dsp::DoubleRateConverter, dsp::Sse2Pair, 1>},
         {"x1/2", pairTrace<dsp::HalfRateConverter, dsp::PlainPair>, pairTrace<dsp::HalfRateConverter, dsp::Sse2Pair>},
         {"x1/4", pairTrace<dsp::QuarterRateConverter, dsp::PlainPair>, pairTrace<dsp::QuarterRateConverter, dsp::Sse2Pair>},
     };
