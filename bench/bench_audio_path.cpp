@@ -13,6 +13,10 @@
 //                paths), the rest being the per-sample loops, the frame bookkeeping and the
 //                overlap-add
 //
+//   converters/<pair>/<rate>/<sums>
+//     pair   x2, x1/2, x1/4: a rate converter pair, a one-sample delay between its halves
+//     sums   plain, sse2 (128-bit sums), avx2 (the SSE2 family's 256-bit sums)
+//
 // The hop is the one the plug-in uses for a host block of 512: a partition of 2B up to 50 kHz,
 // B up to 100 kHz, B/2 above, doubled with FAT, never more than 2N; hop = partition / 2.
 
@@ -22,6 +26,7 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "dsp/AudioEngine.h"
@@ -145,6 +150,50 @@ void runPath(benchmark::State& state, PathSetup setup, int resolution, PathFamil
         state.counters["convolution"] = std::chrono::duration<double>(ops.spent) / std::chrono::duration<double>(total);
 }
 
+// One second of stereo noise at `rate` through a converter pair.
+template <class Converter, class P>
+void runConverters(benchmark::State& state, int rate, bool wide) {
+    if (wide && !dsp::avx2Usable()) return state.SkipWithError("not usable on this processor");
+    Converter c{dsp::SumWidth(wide)};
+    std::vector<double> noise(2 * 4096);
+    std::mt19937 rng(1);
+    std::uniform_real_distribution<double> u(-0.5, 0.5);
+    for (double& v : noise) v = u(rng);
+    // Between the halves, a delay of one inner sample stands in for the equalizer, whose
+    // output never waits for the sample just given to it.
+    P held[2] = {P::zero(), P::zero()};
+    for (auto _ : state) {
+        P sum = P::zero();
+        for (int n = 0; n < rate; ++n) {
+            const P x = P::make(noise[2 * (n & 4095)], noise[2 * (n & 4095) + 1]);
+            if constexpr (std::is_same_v<Converter, dsp::DoubleRateConverter>) {
+                P inner[2];
+                c.up(x, inner);
+                const P processed[2] = {held[1], inner[0]};
+                held[1] = inner[1];
+                sum = sum + c.down(processed);
+            } else {
+                P inner;
+                if (c.down(x, inner)) {
+                    c.up(held[0]);
+                    held[0] = inner;
+                }
+                sum = sum + c.template out<P>();
+            }
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.counters["x_realtime"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+template <class Converter>
+void registerConverters(const char* name, int rate) {
+    const std::string prefix = std::string("converters/") + name + "/" + std::to_string(rate) + "/";
+    benchmark::RegisterBenchmark((prefix + "plain").c_str(), runConverters<Converter, dsp::PlainPair>, rate, false);
+    benchmark::RegisterBenchmark((prefix + "sse2").c_str(), runConverters<Converter, dsp::Sse2Pair>, rate, false);
+    benchmark::RegisterBenchmark((prefix + "avx2").c_str(), runConverters<Converter, dsp::Sse2Pair>, rate, true);
+}
+
 const char* fftName(FftFamily f) { return f == FftFamily::Scalar ? "scalar" : f == FftFamily::Sse2 ? "sse2" : "avx2"; }
 
 void registerAll() {
@@ -171,6 +220,9 @@ void registerAll() {
                 benchmark::RegisterBenchmark(name.c_str(), runPath, p, r, loops, fft)->Unit(benchmark::kMillisecond);
             }
     }
+    registerConverters<dsp::DoubleRateConverter>("x2", 48000);
+    registerConverters<dsp::HalfRateConverter>("x1/2", 96000);
+    registerConverters<dsp::QuarterRateConverter>("x1/4", 192000);
 }
 
 }  // namespace

@@ -152,7 +152,9 @@ private:
     }
     // Host samples per stage of the minimum-phase paths: the cascade takes its whole stretch
     // of samples at the internal rate at once.
-    static constexpr int kMinimumStretch = MinimumPhaseCascade::kMaxBlock / 2;
+    static constexpr int minimumStretch(AudioPathKind kind) {
+        return MinimumPhaseCascade::kMaxBlock / (kind == AudioPathKind::MinimumDouble ? 2 : 1);
+    }
 
     // The minimum-phase paths' first two stages for host samples start..end − 1: the inputs
     // encoded (and taken to twice the rate), then the cascade over all of them, into inner_.
@@ -268,7 +270,7 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
 
     // The minimum-phase paths run in stages over stretches of the block (equalizeMinimum);
     // the others take each sample through the whole path.
-    const int stretch = isMinimum(Kind) ? kMinimumStretch : frames;
+    const int stretch = isMinimum(Kind) ? minimumStretch(Kind) : frames;
     for (int start = 0; start < frames; start += stretch) {
         const int end = std::min(frames, start + stretch);
         if constexpr (isMinimum(Kind)) equalizeMinimum<Kind, P>(io, start, end, ms);

@@ -20,19 +20,42 @@
 // processor overlaps them, where one sample taken through all sections would be one long chain
 // of dependent additions. Every section still sees its samples in order and computes exactly
 // what it would one sample at a time.
+//
+// Where the processor has AVX2, the SSE2 family runs the steps in which every section has a
+// sample on 256-bit registers: both passes of a stage in one register (pass 1 one sample behind
+// pass 0), with every state in a register for the whole stretch. Same operations in the same
+// order, no fused multiply-add: the numbers are those of the pair routine, bit for bit.
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #include "dsp/EqTypes.h"
 #include "dsp/SidePair.h"
 
 namespace dsp {
 
+// Stage p of the cascade: the coefficients and states of both sides' p-th active band, [side]
+// in each.
+struct alignas(16) CascadeStage {
+    static constexpr int kPasses = 2;
+    enum { kX1, kX2, kY1, kY2, kStateCount };
+    double b0[kSides], b1[kSides], b2[kSides], a1[kSides], a2[kSides];
+    double state[kPasses][kStateCount][kSides];
+};
+
+// Steps from..to − 1 of the wavefront of `stageCount` stages (1..8) over `pairs`, all of them
+// steps where every section has a sample (to ≤ the block length, from ≥ 2·stageCount − 1).
+// Leaves the states, and the in-flight samples in `pairs`, as the pair routine would.
+void cascadeFullStepsAvx2(CascadeStage* stages, int stageCount, double* pairs, int from, int to);
+
 class MinimumPhaseCascade {
 public:
-    static constexpr int kSectionsPerBand = 2;
+    static constexpr int kSectionsPerBand = CascadeStage::kPasses;
     static constexpr int kMaxBlock = 512;  // pairs per process() call
+
+    // `wide`: the SSE2 family takes the AVX2 steps (only where the machine has AVX2).
+    explicit MinimumPhaseCascade(bool wide = true) : wide_(wide && avx2Usable()) {}
 
     // Bit s set: slot s (bands 1..8 of side A, then of side B) runs. A band type of 7 or more
     // is a band switched off.
@@ -81,12 +104,8 @@ public:
     }
 
 private:
-    enum { kX1, kX2, kY1, kY2, kStateCount };
-    // Stage p: the coefficients and states of both sides' p-th active band, [side] in each.
-    struct alignas(16) Stage {
-        double b0[kSides], b1[kSides], b2[kSides], a1[kSides], a2[kSides];
-        double state[kSectionsPerBand][kStateCount][kSides];
-    };
+    using Stage = CascadeStage;
+    enum { kX1 = Stage::kX1, kX2 = Stage::kX2, kY1 = Stage::kY1, kY2 = Stage::kY2, kStateCount = Stage::kStateCount };
 
     // A stage's coefficients, loaded once for both of its sections.
     template <class P>
@@ -131,6 +150,12 @@ private:
         };
         int t = 0;
         for (; t < fullFrom && t < count + sections - 1; ++t) step(t, true);
+        if constexpr (std::is_same_v<P, Sse2Pair>) {
+            if (wide_ && t < fullTo) {
+                cascadeFullStepsAvx2(stages_ + first, last - first, pairs, t, fullTo);
+                t = fullTo;
+            }
+        }
         for (; t < fullTo; ++t) step(t, false);
         for (; t < count + sections - 1; ++t) step(t, true);
     }
@@ -171,6 +196,7 @@ private:
         wasActive_ = activeSlots;
     }
 
+    const bool wide_;
     Stage stages_[kBandsPerSide] = {};
     int slot_[kSides][kBandsPerSide] = {};  // the slot of each side's p-th active band
     int count_[kSides] = {};

@@ -1,5 +1,9 @@
 #include "dsp/RateConverters.h"
 
+#include <type_traits>
+
+#include "dsp/RateConverterSums.h"
+
 namespace dsp {
 namespace {
 
@@ -44,8 +48,8 @@ constexpr double kQuarterBandTaps[kQuarterBandPairs] = {
 // The taps as the converters use them, each stored as a pair (c, c) for both sides, scaled
 // by the conversion factor so that the interpolators' centre weight is 1 and each of their
 // polyphase phases has (close to) unity gain. Half-band: the odd taps doubled, outermost
-// first. Quarter-band: the listed taps ×4, outermost first, and the interpolator's three
-// fractional phases, 64 taps each.
+// first. Quarter-band: the listed taps ×4, split by the decimator's ring, and the
+// interpolator's three fractional phases, 64 taps each.
 
 template <int Count>
 constexpr PairedTaps<Count> paired(const double (&taps)[Count], double factor) {
@@ -69,19 +73,29 @@ constexpr std::array<double, kQuarterBandLength> makeQuarterBandFull() {
     return full;
 }
 
+// The decimator's taps by ring: listed tap 3m + k multiplies position 4m + k of the span (ring
+// k, pair m) and its mirror image 254 − 4m − k (ring 2 − k, pair 63 − m).
+constexpr std::array<PairedTaps<32>, 3> makeQuarterBandRings() {
+    std::array<PairedTaps<32>, 3> rings{};
+    for (int k = 0; k < 3; ++k)
+        for (int m = 0; m < 32; ++m) rings[k].c[2 * m] = rings[k].c[2 * m + 1] = 4.0 * kQuarterBandTaps[3 * m + k];
+    return rings;
+}
+
 // Interpolating by 4 places e[j] at index 4j of the fine grid; the fine sample 4m + p then
 // reads tap p + 4r for e[m − r]. Phases p = 0, 1, 2 are the fractional ones (offsets 1, 2, 3
-// modulo 4 from the centre); p = 3 falls on the centre alone and is the stored sample.
+// modulo 4 from the centre); p = 3 falls on the centre alone and is the stored sample. Each
+// phase is stored in the order of the ring window, oldest first: pair q multiplies e[m − 63 + q].
 constexpr std::array<PairedTaps<64>, 3> makeQuarterBandPhases() {
     const auto full = makeQuarterBandFull();
     std::array<PairedTaps<64>, 3> phases{};
     for (int p = 0; p < 3; ++p)
-        for (int r = 0; r < 64; ++r) phases[p].c[2 * r] = phases[p].c[2 * r + 1] = full[p + 4 * r];
+        for (int q = 0; q < 64; ++q) phases[p].c[2 * q] = phases[p].c[2 * q + 1] = full[p + 4 * (63 - q)];
     return phases;
 }
 
 constexpr auto kHalfBand = paired(kHalfBandTaps, 2.0);
-constexpr auto kQuarterBand = paired(kQuarterBandTaps, 4.0);
+constexpr auto kQuarterBandRings = makeQuarterBandRings();
 constexpr auto kQuarterBandPhases = makeQuarterBandPhases();
 
 static_assert(quarterOffset(0) == 127 && quarterOffset(2) == 125 && quarterOffset(3) == 123);
@@ -89,7 +103,8 @@ static_assert(quarterOffset(kQuarterBandPairs - 1) == 1);
 
 // Σ term(i) for i = 0..Count − 1, in four partial sums (i mod 4) added up at the end: one
 // running sum would make every product wait for the addition before it, four keep the
-// processor's adders busy. The order is fixed, so both families round alike.
+// processor's adders busy. The order is fixed, so every family rounds alike (the 256-bit sums
+// hold s0, s1 in one register and s2, s3 in another).
 template <class P, int Count, class Term>
 inline P fourWaySum(Term term) {
     static_assert(Count % 4 == 0);
@@ -103,23 +118,50 @@ inline P fourWaySum(Term term) {
     return (s0 + s1) + (s2 + s3);
 }
 
-// The FIR dot product of a symmetric filter, folded: Σ c[i]·(w[lo(i)] + w[last − lo(i)]) over
-// the pairs of window w.
-template <class P, int Pairs, class Low>
-inline P foldedSum(const PairedTaps<Pairs>& c, const double* w, int last, Low lo) {
-    return fourWaySum<P, Pairs>([&](int i) {
-        const int j = lo(i);
-        return P::load(c.at(i)) * (P::load(w + 2 * j) + P::load(w + 2 * (last - j)));
-    });
+// out[k] = Σ c[k][m]·(lo[k][m] + hi[k][m]): symmetric filters folded, lo[k] a window oldest
+// first and hi[k] the mirror images, newest first.
+template <class P, int Count, int Sums>
+inline void foldedSums(SumWidth width, const PairedTaps<Count>* const (&c)[Sums], const double* const (&lo)[Sums],
+                       const double* const (&hi)[Sums], P (&out)[Sums]) {
+    if constexpr (std::is_same_v<P, Sse2Pair>) {
+        if (width.wide) {
+            const double* taps[Sums];
+            __m128d sums[Sums];
+            for (int k = 0; k < Sums; ++k) taps[k] = c[k]->c;
+            rate_sums::foldedSumsAvx2<Count, Sums>(taps, lo, hi, sums);
+            for (int k = 0; k < Sums; ++k) out[k] = {sums[k]};
+            return;
+        }
+    }
+    for (int k = 0; k < Sums; ++k)
+        out[k] = fourWaySum<P, Count>(
+            [&](int m) { return P::load(c[k]->at(m)) * (P::load(lo[k] + 2 * m) + P::load(hi[k] + 2 * m)); });
 }
 
-// Σ c[r]·w[last − r]: one polyphase phase of an interpolator.
-template <class P, int Taps>
-inline P reversedSum(const PairedTaps<Taps>& c, const double* w, int last) {
-    return fourWaySum<P, Taps>([&](int r) { return P::load(c.at(r)) * P::load(w + 2 * (last - r)); });
+// One folded sum: the half-band filters.
+template <class P>
+inline P halfBandSum(SumWidth width, const PairRing<64>& ring) {
+    P out[1];
+    foldedSums<P, kHalfBandPairs, 1>(width, {&kHalfBand}, {ring.window()}, {ring.reversed()}, out);
+    return out[0];
 }
 
-constexpr auto kEvery = [](int i) { return i; };
+// out[k] = Σ c[k][q]·w[q]: the polyphase phases of an interpolator over one window.
+template <class P, int Count, size_t Sums>
+inline void phaseSums(SumWidth width, const std::array<PairedTaps<Count>, Sums>& c, const double* w, P (&out)[Sums]) {
+    if constexpr (std::is_same_v<P, Sse2Pair>) {
+        if (width.wide) {
+            const double* taps[Sums];
+            __m128d sums[Sums];
+            for (size_t k = 0; k < Sums; ++k) taps[k] = c[k].c;
+            rate_sums::sumsAvx2<Count, Sums>(taps, w, sums);
+            for (size_t k = 0; k < Sums; ++k) out[k] = {sums[k]};
+            return;
+        }
+    }
+    for (size_t k = 0; k < Sums; ++k)
+        out[k] = fourWaySum<P, Count>([&](int q) { return P::load(c[k].at(q)) * P::load(w + 2 * q); });
+}
 
 }  // namespace
 
@@ -128,9 +170,8 @@ constexpr auto kEvery = [](int i) { return i; };
 template <class P>
 void HalfBandInterpolator::process(P x, P (&out)[2]) {
     ring_.push(x);
-    const double* w = ring_.window();
-    out[0] = foldedSum<P>(kHalfBand, w, 63, kEvery);
-    out[1] = P::load(w + 2 * 32);
+    out[0] = halfBandSum<P>(width_, ring_);
+    out[1] = P::load(ring_.window() + 2 * 32);
 }
 
 // Even ring v[2n−126..2n] (step 2). Centred on the odd side, the odd ring holds up to v[2n−1]
@@ -142,38 +183,41 @@ P HalfBandDownsampler::process(P first, P second) {
     even_.push(first);
     if (centreOnEven_) {
         odd_.push(second);
-        return half * (P::load(even_.back(31)) + foldedSum<P>(kHalfBand, odd_.window(), 63, kEvery));
+        return half * (P::load(even_.back(31)) + halfBandSum<P>(width_, odd_));
     }
-    const P y = half * (P::load(odd_.back(31)) + foldedSum<P>(kHalfBand, even_.window(), 63, kEvery));
+    const P y = half * (P::load(odd_.back(31)) + halfBandSum<P>(width_, even_));
     odd_.push(second);
     return y;
 }
 
-// Ring x[n−126..n]: centre x[n−63]; the odd offsets from it are the even ring positions,
-// window[2j] paired with window[126 − 2j].
+// Span x[n−126..n]: centre x[n−63] (31 back in ring 1, whose newest is x[n−1]); the odd offsets
+// from it are the even positions, ring 0, each paired with its mirror image.
 template <>
 template <class P>
 P HalfBandDecimator::evaluate() const {
-    const double* w = ring_.window();
-    const P s = foldedSum<P>(kHalfBand, w, 126, [](int j) { return 2 * j; });
-    return P::splat(0.5) * (P::load(w + 2 * 63) + s);
+    return P::splat(0.5) * (P::load(rings_[1].back(31)) + halfBandSum<P>(width_, rings_[0]));
 }
 
-// Ring x[n−254..n]: centre x[n−127]; each listed tap multiplies the two samples at its offset.
+// Span x[n−254..n]: centre x[n−127] (position 127, 31 back in ring 3); rings 0..2 hold the
+// listed taps' positions, each ring's pairs facing the mirror images in ring 2 − k.
 template <>
 template <class P>
 P QuarterBandDecimator::evaluate() const {
-    const double* w = ring_.window();
-    const P s = foldedSum<P>(kQuarterBand, w, 254, [](int i) { return 127 - quarterOffset(i); });
-    return P::splat(0.25) * (P::load(w + 2 * 127) + s);
+    P s[3];
+    foldedSums<P, 32, 3>(width_, {&kQuarterBandRings[0], &kQuarterBandRings[1], &kQuarterBandRings[2]},
+                         {rings_[0].window(), rings_[1].window(), rings_[2].window()},
+                         {rings_[2].reversed(), rings_[1].reversed(), rings_[0].reversed()}, s);
+    return P::splat(0.25) * (P::load(rings_[3].back(31)) + ((s[0] + s[1]) + s[2]));
 }
 
 template <class P>
 void QuarterBandInterpolator::process(P e, P (&out)[4]) {
     ring_.push(e);
-    const double* w = ring_.window();  // pair 63 − r = e[m − r]
+    const double* w = ring_.window();  // pair q = e[m − 63 + q]
     out[0] = P::load(w + 2 * 31);
-    for (int p = 0; p < 3; ++p) out[p + 1] = reversedSum<P>(kQuarterBandPhases[p], w, 63);
+    P phases[3];
+    phaseSums<P>(width_, kQuarterBandPhases, w, phases);
+    for (int p = 0; p < 3; ++p) out[p + 1] = phases[p];
 }
 
 // ---- Both families ---------------------------------------------------------------------------

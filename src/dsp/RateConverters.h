@@ -45,23 +45,41 @@ class PairRing {
 public:
     void clear() {
         data_.fill(0.0);
+        reversed_.fill(0.0);
         pos_ = 0;
     }
     template <class P>
     void push(P x) {
-        x.store(&data_[2 * pos_]);
-        x.store(&data_[2 * (pos_ + Size)]);
-        if (++pos_ == Size) pos_ = 0;
+        // The position is read once: a vector store may alias it, so the compiler would read it
+        // back after every store, each read waiting for the store before it.
+        const int pos = pos_;
+        x.store(&data_[2 * pos]);
+        x.store(&data_[2 * (pos + Size)]);
+        x.store(&reversed_[2 * (Size - 1 - pos)]);
+        x.store(&reversed_[2 * (2 * Size - 1 - pos)]);
+        pos_ = pos + 1 == Size ? 0 : pos + 1;
     }
     // The window, oldest first, as interleaved pairs: pair j at window() + 2j; pair 0 was
     // pushed Size − 1 pushes ago, pair Size − 1 is the newest.
     const double* window() const { return &data_[2 * pos_]; }
+    // The same window newest first: pair j here is pair Size − 1 − j of window(). A filter that
+    // pairs each sample with its mirror image reads both halves in ascending order.
+    const double* reversed() const { return &reversed_[2 * (Size - pos_)]; }
     // The pair pushed `age` pushes before the newest (age 0 = newest).
     const double* back(int age) const { return &data_[2 * (pos_ + Size - 1 - age)]; }
 
 private:
-    alignas(16) std::array<double, 4 * Size> data_{};  // every pair twice, so a window never wraps
+    // Every pair twice in each, so that neither window ever wraps.
+    alignas(32) std::array<double, 4 * Size> data_{};
+    alignas(32) std::array<double, 4 * Size> reversed_{};
     int pos_ = 0;
+};
+
+// The register width of the SSE2 family's sums: 256 bits where asked for and the machine has
+// AVX2. The numbers are the same either way; the plain family ignores it.
+struct SumWidth {
+    explicit SumWidth(bool wideWhereUsable = true) : wide(wideWhereUsable && avx2Usable()) {}
+    bool wide;
 };
 
 // ---- The filters, one (A, B) pair per call -------------------------------------------------
@@ -71,11 +89,13 @@ private:
 // the ×2 and the ×1/2 converter.
 class HalfBandInterpolator {
 public:
+    explicit HalfBandInterpolator(SumWidth width = SumWidth()) : width_(width) {}
     void clear() { ring_.clear(); }
     template <class P>
     void process(P x, P (&out)[2]);
 
 private:
+    SumWidth width_;
     PairRing<64> ring_;
 };
 
@@ -86,6 +106,7 @@ private:
 // even sample v[2n − 62], with the odd taps reaching v[2n + 1], for an odd processing delay.
 class HalfBandDownsampler {
 public:
+    explicit HalfBandDownsampler(SumWidth width = SumWidth()) : width_(width) {}
     void clear() {
         even_.clear();
         odd_.clear();
@@ -96,27 +117,41 @@ public:
     P process(P first, P second);
 
 private:
+    SumWidth width_;
     PairRing<64> even_;  // the first sample of each pair
     PairRing<64> odd_;   // the second sample of each pair
     bool centreOnEven_ = false;
 };
 
-// Every Factor-th host sample, the band filter of that factor (half-band for 2, quarter-band
-// for 4) over the last host samples it spans.
+// Every Factor-th host sample (the first one after clear() and every Factor-th after it), the
+// band filter of that factor (half-band for 2, quarter-band for 4) over the last host samples
+// it spans. The samples are kept in Factor polyphase rings, one per position modulo Factor in
+// the filter's span, so that every sum runs over consecutive pairs of one ring.
 template <int Factor>
 class BandDecimator {
 public:
     static constexpr int kFactor = Factor;
-    void clear() { ring_.clear(); }
+    explicit BandDecimator(SumWidth width = SumWidth()) : width_(width) {}
+    void clear() {
+        for (auto& r : rings_) r.clear();
+        next_ = kNewestRing;
+    }
     template <class P>
     void push(P x) {
-        ring_.push(x);
+        rings_[next_].push(x);
+        if (++next_ == Factor) next_ = 0;
     }
+    // Only right after the push of a decimating sample.
     template <class P>
     P evaluate() const;
 
 private:
-    PairRing<Factor == 2 ? kHalfBandLength : kQuarterBandLength> ring_;
+    // The filter spans 127 (factor 2) or 255 (factor 4) positions, the newest last; position p
+    // goes to ring p mod Factor, and the newest position is 126 or 254.
+    static constexpr int kNewestRing = (Factor == 2 ? kHalfBandLength - 1 : kQuarterBandLength - 1) % Factor;
+    SumWidth width_;
+    PairRing<64> rings_[Factor];
+    int next_ = kNewestRing;  // the ring of the next push
 };
 using HalfBandDecimator = BandDecimator<2>;
 using QuarterBandDecimator = BandDecimator<4>;
@@ -126,11 +161,13 @@ using QuarterBandDecimator = BandDecimator<4>;
 // an inner period after it.
 class QuarterBandInterpolator {
 public:
+    explicit QuarterBandInterpolator(SumWidth width = SumWidth()) : width_(width) {}
     void clear() { ring_.clear(); }
     template <class P>
     void process(P e, P (&out)[4]);
 
 private:
+    SumWidth width_;
     PairRing<64> ring_;
 };
 
@@ -141,6 +178,8 @@ private:
 class DoubleRateConverter {
 public:
     static constexpr int kDelay = 63;  // host samples, up and down together, around an identity
+
+    explicit DoubleRateConverter(SumWidth width = SumWidth()) : up_(width), down_(width) {}
 
     // The delay in host samples of the pair around processing that delays by `innerDelay`
     // samples at twice the rate, with the phase setInnerDelay() picks for it: always whole.
@@ -180,6 +219,8 @@ class DecimatingConverter {
 public:
     static constexpr int kFactor = Decimator::kFactor;
     static constexpr int kDelay = Delay;  // host samples, down and up together
+
+    explicit DecimatingConverter(SumWidth width = SumWidth()) : decimator_(width), interpolator_(width) {}
 
     void clear() {
         decimator_.clear();

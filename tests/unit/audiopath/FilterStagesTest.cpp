@@ -81,6 +81,50 @@ TEST(RateConverters, TheDecimatingPairsRemoveContentAboveTheInnerNyquistFrequenc
     expectRemoved(roundTrip<dsp::QuarterRateConverter>, 192000.0, 16384, -100.0, {27000.0, 30000.0, 40000.0, 60000.0, 90000.0});
 }
 
+// Noise through each converter pair in the plain family and in the SSE2 family with 128-bit
+// and 256-bit sums: every output sample is the same, bit for bit, on both sides.
+template <class C, class P, int InnerDelay = 0>
+std::vector<double> pairTrace(bool wide, const Signal& x) {
+    C c{dsp::SumWidth(wide)};
+    if constexpr (std::is_same_v<C, dsp::DoubleRateConverter>) c.setInnerDelay(InnerDelay);
+    std::vector<double> y;
+    for (size_t n = 0; n < x.size(); ++n) {
+        const P in = P::make(x[n], x[(n * 5) % x.size()]);
+        P out;
+        if constexpr (std::is_same_v<C, dsp::DoubleRateConverter>) {
+            P inner[2];
+            c.up(in, inner);
+            inner[1] = inner[1] * P::splat(-0.75);  // the halves meet something other than an identity
+            out = c.down(inner);
+        } else {
+            P inner;
+            if (c.down(in, inner)) c.up(inner * P::splat(-0.75));
+            out = c.template out<P>();
+        }
+        y.push_back(out.a()), y.push_back(out.b());
+    }
+    return y;
+}
+
+TEST(RateConverters, EverySumWidthGivesTheSameNumbers) {
+    const Signal x = randomSignal(3000, 9);
+    const struct {
+        const char* name;
+        std::vector<double> (*plain)(bool, const Signal&), (*sse2)(bool, const Signal&);
+    } cases[] = {
+        {"x2", pairTrace<dsp::DoubleRateConverter, dsp::PlainPair>, pairTrace<dsp::DoubleRateConverter, dsp::Sse2Pair>},
+        {"x2, odd inner delay", pairTrace<dsp::DoubleRateConverter, dsp::PlainPair, 1>,
+         pairTrace<dsp::DoubleRateConverter, dsp::Sse2Pair, 1>},
+        {"x1/2", pairTrace<dsp::HalfRateConverter, dsp::PlainPair>, pairTrace<dsp::HalfRateConverter, dsp::Sse2Pair>},
+        {"x1/4", pairTrace<dsp::QuarterRateConverter, dsp::PlainPair>, pairTrace<dsp::QuarterRateConverter, dsp::Sse2Pair>},
+    };
+    for (const auto& c : cases) {
+        const auto reference = c.plain(false, x);
+        EXPECT_EQ(c.sse2(false, x), reference) << c.name;
+        EXPECT_EQ(c.sse2(true, x), reference) << c.name << " (256-bit sums where the machine has them)";
+    }
+}
+
 // Each converter filter on noise, side A, against figures recorded from the straightforward
 // form (one running sum per filter, in tap order): the partial sums may round differently,
 // never by more than 1e-12.
@@ -225,12 +269,15 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
     for (int s = 0; s < dsp::kBandSlots; ++s) bank.slots[s] = peaking(60.0 * (s + 1), 0.5 + 0.3 * (s % 4), s % 2 ? 6.0 : -9.0);
     const Signal x[2] = {randomSignal(5000, 41), randomSignal(5000, 42)};
     for (uint32_t active : {0xffffu, 0x01ffu, 0xfe01u, 0x0000u, 0x8001u}) {
-        dsp::MinimumPhaseCascade plain, sse2;
+        // The SSE2 family with and without the 256-bit steps.
+        dsp::MinimumPhaseCascade plain, sse2(false), wide(true);
         plain.load(bank, active);
         sse2.load(bank, active);
-        Signal y[2], z[2];
+        wide.load(bank, active);
+        Signal y[2], z[2], w[2];
         filter<dsp::PlainPair>(plain, x, y, {512, 3, 1, 200, 511});
         filter<dsp::Sse2Pair>(sse2, x, z, {17, 512, 64});
+        filter<dsp::Sse2Pair>(wide, x, w, {512, 31, 32, 33, 1, 300});
         for (int side = 0; side < 2; ++side) {
             std::vector<dsp::BiquadCoefficients> own;
             for (int b = 0; b < dsp::kBandsPerSide; ++b)
@@ -238,6 +285,7 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
             const Signal expected = serialSections(own, x[side]);
             EXPECT_EQ(y[side], expected) << std::hex << active << " side " << side;
             EXPECT_EQ(z[side], expected) << std::hex << active << " side " << side;
+            EXPECT_EQ(w[side], expected) << std::hex << active << " side " << side;
         }
     }
 }
