@@ -31,8 +31,8 @@
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
 // no locks), and through the two lock-free hand-overs (audition sections, peak holds). The
-// owner's kernel multiply (PathConvolutionOps) reads published kernels without a lock, so the
-// audio thread never waits. Nothing here allocates after construction.
+// owner's kernel source (PathConvolutionOps) hands over published kernels without a lock, so
+// the audio thread never waits. Nothing here allocates after construction.
 
 #include <algorithm>
 #include <atomic>

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dsp/PartitionSpectra.h"
+
 namespace dsp {
 namespace {
 
@@ -32,13 +34,15 @@ KernelDesigner::KernelDesigner(FftFamily family)
     : fft_(family),
       sets_(kMaxFrameSize),
       work_(2 * kMaxFrameSize),
+      taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
       window_(kMaxFrameSize / 2),
       displayScratch_(KernelDisplay::kScratchDoubles) {}
 
-KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize,
+KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame,
                                          double designRate, bool linPhase, platform::TimedLock& processLock,
                                          KernelCurves* curves, int lockWaitMs) {
-    if (fftSizeIndex(frameSize) < 0) return KernelBuild::Refused;
+    if (fftSizeIndex(frame.frameSize) < 0) return KernelBuild::Refused;
+    const PartitionPlan plan = PartitionPlan::forFrame(frame.frameSize, frame.hop);
 
     platform::TimedLock::Guard process(processLock, lockWaitMs);
     if (!process) {
@@ -49,41 +53,41 @@ KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kB
     pending_.store(false, std::memory_order_release);
 
     const bool measure = linPhase && curves != nullptr;
-    buildInto(sets_.back(), sections, frameSize, designRate, linPhase, measure);
+    buildInto(sets_.back(), sections, plan, designRate, linPhase, measure);
     sets_.publish();
     if (measure) *curves = measured_;
     return linPhase ? KernelBuild::Built : KernelBuild::Cleared;
 }
 
-void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n,
-                               double designRate, bool linPhase, bool measureCurves) {
+void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots],
+                               const PartitionPlan& plan, double designRate, bool linPhase, bool measureCurves) {
+    const int n = plan.frameSize;
     const size_t entries = 2 * static_cast<size_t>(n);
-    double* kernel[kSides] = {set.spectrum(0), set.spectrum(1)};
-    for (double* k : kernel) std::fill(k, k + entries, 0.0);
-    set.setFrameSize(n);
-
-    if (linPhase) {
-        // Side A's reversed response goes straight into the work buffer; side B's is copied
-        // there once side A is done with it.
-        std::fill(work_.data(), work_.data() + entries, 0.0);
-        const int half = n / 2;
-        cascadeImpulseResponses(sections, half, kernel[0], kernel[1], work_.data());
-        autocorrelate(kernel[0], n);
-
-        std::fill(work_.data(), work_.data() + entries, 0.0);
-        for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = kernel[1][2 * k];
-        autocorrelate(kernel[1], n);
-
-        useWindowFor(n);
-        for (double* k : kernel) applyWindow(k, n);
-        if (measureCurves)
-            for (int side = 0; side < kSides; ++side)
-                display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
-        for (double* k : kernel) {
-            fft_.forward(k, n);
-            fft_.scale(k, n);
-        }
+    set.setPlan(plan);
+    if (!linPhase) {
+        for (int side = 0; side < kSides; ++side) std::fill(set.spectrum(side), set.spectrum(side) + plan.spectrumDoubles(), 0.0);
+        return;
     }
+    double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
+    for (double* k : kernel) std::fill(k, k + entries, 0.0);
+
+    // Side A's reversed response goes straight into the work buffer; side B's is copied
+    // there once side A is done with it.
+    std::fill(work_.data(), work_.data() + entries, 0.0);
+    const int half = n / 2;
+    cascadeImpulseResponses(sections, half, kernel[0], kernel[1], work_.data());
+    autocorrelate(kernel[0], n);
+
+    std::fill(work_.data(), work_.data() + entries, 0.0);
+    for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = kernel[1][2 * k];
+    autocorrelate(kernel[1], n);
+
+    useWindowFor(n);
+    for (double* k : kernel) applyWindow(k, n);
+    if (measureCurves)
+        for (int side = 0; side < kSides; ++side)
+            display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
+    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
 }
 
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
@@ -134,7 +138,7 @@ void KernelDesigner::useWindowFor(int n) {
 
 bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameSize) {
     const KernelSet& set = sets_.acquire();
-    if (set.frameSize() != frameSize) return false;
+    if (set.frameSize() != frameSize || set.plan().headCount != 1) return false;
     fft_.multiply(frameA, set.spectrum(0), frameSize);
     fft_.multiply(frameB, set.spectrum(1), frameSize);
     return true;

@@ -10,12 +10,14 @@
 // N + 1 taps, symmetric about N/2, so the filter delays by exactly N/2 samples. The
 // correlation runs as a product of spectra: h forwards in one buffer, h reversed in the work
 // buffer, both transformed, multiplied, transformed back. The kernel is then transformed and
-// scaled once more (its "kernel spectrum"), so that the audio path's convolution of a frame
-// is forward, multiply, inverse.
+// scaled once more (its "kernel spectrum"), partition by partition.
+//
+// The finished kernel is cut into the partitions the audio path's convolution uses
+// (PartitionPlan.h), each transformed and scaled.
 //
 // Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
 // sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
-// one the audio thread holds; the work buffer; the Hamming half window (recomputed when N
+// one the audio thread holds; the time-domain kernels and the work buffer; the Hamming half window (recomputed when N
 // changes); the 65536-double scratch of the display transform.
 //
 // Threads. buildKernels() takes the owner's process lock for the whole build: two builds
@@ -32,6 +34,7 @@
 #include "dsp/Fft.h"
 #include "dsp/KernelDisplay.h"
 #include "dsp/KernelSetExchange.h"
+#include "dsp/PartitionPlan.h"
 #include "platform/TimedLock.h"
 
 namespace dsp {
@@ -46,6 +49,16 @@ void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], i
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
     Curve side[kSides];
+};
+
+// The frame the kernels are built for: N, and the hop in which the convolution takes its input
+// (the partitions follow from both, PartitionPlan::forFrame). N alone means a hop of N: one
+// partition, the spectrum of the whole kernel.
+struct KernelFrame {
+    KernelFrame(int n) : frameSize(n), hop(n) {}  // NOLINT: a bare N is the one-partition frame
+    KernelFrame(int n, int h) : frameSize(n), hop(h) {}
+    int frameSize;
+    int hop;
 };
 
 enum class KernelBuild {
@@ -68,9 +81,9 @@ public:
 
     // Builds both sides' kernels from the sections (slots 0..7 side A, 8..15 side B, band 1
     // first), for frame size N (4096, 8192, 16384 or 32768; any other N builds nothing) at
-    // designRate, and publishes them. `curves`, when given, receives the measured totals
+    // designRate, cuts them into the partitions of the frame's hop, and publishes them. `curves`, when given, receives the measured totals
     // (only when the result is Built with linPhase on). lockWaitMs bounds the process-lock wait.
-    KernelBuild buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize, double designRate,
+    KernelBuild buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame, double designRate,
                              bool linPhase, platform::TimedLock& processLock, KernelCurves* curves = nullptr,
                              int lockWaitMs = platform::TimedLock::kDefaultWaitMs);
 
@@ -82,19 +95,19 @@ public:
     int activeFrameSize() const { return sets_.newestFrameSize(); }
 
     // ---- The audio thread's side -------------------------------------------------------------
-    // Takes the newest published set (once per hop) and multiplies each side's frame by that
-    // side's spectrum. False (frames untouched) when that set is not of this frame size: before
-    // the first build, or for the blocks that still run at the previous N after a
-    // reconfiguration, until the kernels for the new N are published.
-    bool multiplyByNewest(double* frameA, double* frameB, int frameSize);
     // The newest complete set, held until the next call (the reader's side of the exchange).
     const KernelSet& acquireNewest() { return sets_.acquire(); }
+    bool newerWaiting() const { return sets_.newerWaiting(); }
+    // Takes the newest set and multiplies each side's frame of 2N entries by that side's
+    // whole-kernel spectrum. False (frames untouched) unless that set is one partition of
+    // this frame size (built for a hop of N).
+    bool multiplyByNewest(double* frameA, double* frameB, int frameSize);
 
     const Fft& fft() const { return fft_; }
 
 private:
-    void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate,
-                   bool linPhase, bool measureCurves);
+    void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], const PartitionPlan& plan,
+                   double designRate, bool linPhase, bool measureCurves);
     void autocorrelate(double* kernel, int n);
     void applyWindow(double* kernel, int n);
     void useWindowFor(int n);
@@ -104,6 +117,7 @@ private:
 
     KernelSetExchange sets_;
     AlignedBuffer work_;
+    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
     AlignedBuffer window_;
     AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for

@@ -2,73 +2,138 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace dsp {
-namespace {
-
-double* allocateAligned(size_t count) {
-    constexpr size_t kAlignment = 64;
-    const size_t bytes = (count * sizeof(double) + kAlignment - 1) / kAlignment * kAlignment;
-    auto* p = static_cast<double*>(std::aligned_alloc(kAlignment, bytes));
-    if (!p) throw std::bad_alloc();
-    std::fill(p, p + count, 0.0);
-    return p;
-}
-
-}  // namespace
-
-PathConvolver::PathConvolver(int maxFrameSize) : maxN_(maxFrameSize) {
-    for (int side = 0; side < 2; ++side) {
-        frame_[side].reset(allocateAligned(2 * static_cast<size_t>(maxN_)));
-        overlap_[side].assign(maxN_, 0.0);
-        output_[side].assign(maxN_, 0.0);
+// The ring holds every output sample from the one read next to the end of the latest tail
+// output: at most H + 2·M2 ≤ 3N samples ahead.
+PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
+    : maxN_(maxFrameSize),
+      fft_(fft),
+      mac_(spectrumMac(mac)),
+      work_(2 * static_cast<size_t>(maxFrameSize)),
+      ringMask_(powerOfTwoAtLeast(4 * static_cast<size_t>(maxFrameSize)) - 1) {
+    for (int side = 0; side < kSides; ++side) {
+        Side& s = sides_[side];
+        s.input = AlignedBuffer(maxN_);
+        s.tailFrame = AlignedBuffer(2 * static_cast<size_t>(maxN_));
+        s.slots = AlignedBuffer(PartitionPlan::maxSpectrumDoubles(maxN_));
+        s.ring = AlignedBuffer(ringMask_ + 1);
+        input_[side] = s.input.data();
+        ring_[side] = s.ring.data();
     }
     configure(std::min(4096, maxN_), std::min(4096, maxN_));
 }
 
 void PathConvolver::configure(int frameSize, int hop) {
-    n_ = std::clamp(frameSize, 1, maxN_);
-    hop_ = std::clamp(hop, 1, n_);
+    const int n = std::clamp(frameSize, 1, maxN_);
+    plan_ = PartitionPlan::forFrame(n, std::clamp(hop, 1, n));
+    held_ = nullptr;
     clear();
 }
 
 void PathConvolver::clear() {
-    for (int side = 0; side < 2; ++side) {
-        std::fill(frame_[side].get(), frame_[side].get() + 2 * static_cast<size_t>(maxN_), 0.0);
-        std::fill(overlap_[side].begin(), overlap_[side].end(), 0.0);
-        std::fill(output_[side].begin(), output_[side].end(), 0.0);
+    for (Side& s : sides_) {
+        s.input.clear(plan_.hop);
+        s.tailFrame.clear(plan_.tailPartitionDoubles());
+        s.slots.clear(plan_.spectrumDoubles());
+        s.ring.clear();
     }
     fill_ = 0;
-    read_ = 0;
+    headBase_ = 0;
+    tailBase_ = 0;
+    tailGathered_ = 0;
+    blockStart_ = 0;
+    read_ = blockStart_ - static_cast<size_t>(plan_.hop - 1);
 }
 
 void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
-    const int entries = 2 * n_;
-    double* frame[2] = {frame_[0].get(), frame_[1].get()};
-    for (double* f : frame) {
-        std::fill(f + fill_, f + entries, 0.0);
-        ops.forward(f, n_);
+    if (!held_ || ops.newerKernelsWaiting()) {
+        // The tail's blocks gathered so far belong to the set held until now.
+        if (tailGathered_ > 0) {
+            const bool usable = held_ && held_->plan() == plan_;
+            for (int side = 0; side < kSides; ++side) multiplyTail(side, usable);
+        }
+        held_ = &ops.takeNewestKernels();
     }
-    if (ops.multiplyByKernels(frame[0], frame[1], n_)) {
-        for (double* f : frame) ops.inverse(f, n_);
-    } else {
-        // Without kernels of this size the block cannot be filtered; it contributes silence
-        // rather than an unfiltered (and unscaled) spectrum.
-        for (double* f : frame) std::fill(f, f + entries, 0.0);
-        ++silenced_;
-    }
+    const bool usable = held_->plan() == plan_;
+    if (!usable) ++silenced_;
 
-    for (int side = 0; side < 2; ++side) {
-        double* overlap = overlap_[side].data();
-        double* output = output_[side].data();
-        for (int t = 0; t < hop_; ++t) output[t] = frameSample(side, t) + overlap[t];
-        std::memmove(overlap, overlap + hop_, static_cast<size_t>(n_ - hop_) * sizeof(double));
-        std::fill(overlap + (n_ - hop_), overlap + n_, 0.0);
-        for (int j = 0; j < n_; ++j) overlap[j] += frameSample(side, hop_ + j);
+    const int h = plan_.hop;
+    for (int side = 0; side < kSides; ++side) {
+        if (plan_.hasTail()) {
+            double* frame = sides_[side].tailFrame.data() + 2 * static_cast<size_t>(tailGathered_) * h;
+            for (int t = 0; t < h; ++t) frame[2 * t] = input_[side][t];
+        }
+        headBlock(side, usable);
     }
+    headBase_ = headBase_ + 1 == plan_.headCount ? 0 : headBase_ + 1;
+
+    if (plan_.hasTail() && ++tailGathered_ == plan_.tailHops) {
+        for (int side = 0; side < kSides; ++side) {
+            multiplyTail(side, usable);
+            finishTail(side);
+        }
+        tailBase_ = tailBase_ + 1 == plan_.tailCount ? 0 : tailBase_ + 1;
+        tailGathered_ = 0;
+    }
+    blockStart_ += static_cast<size_t>(h);
     fill_ = 0;
-    read_ = 0;
+}
+
+// The block's spectrum into the head slots it reaches; the current slot is then complete and
+// becomes output samples.
+void PathConvolver::headBlock(int side, bool usable) {
+    const int h = plan_.hop, m = plan_.headHalf;
+    double* frame = work_.data();
+    const double* input = input_[side];
+    for (int t = 0; t < h; ++t) {
+        frame[2 * t] = input[t];
+        frame[2 * t + 1] = 0.0;
+    }
+    std::fill(frame + 2 * h, frame + 2 * m, 0.0);
+    fft_.forwardAny(frame, m);
+    if (usable) {
+        int slot = headBase_;
+        for (int p = 0; p < plan_.headCount; ++p) {
+            mac_(headSlot(side, slot), frame, held_->headPartition(side, p), m);
+            slot = slot + 1 == plan_.headCount ? 0 : slot + 1;
+        }
+    }
+    double* current = headSlot(side, headBase_);
+    fft_.inverseAny(current, m);
+    addToRing(side, current, m, 2 * h, blockStart_);
+    std::fill(current, current + 2 * m, 0.0);
+}
+
+// The gathered tail blocks into the tail slots they reach, with the set held now; the frame is
+// then cleared for the blocks still to come.
+void PathConvolver::multiplyTail(int side, bool usable) {
+    const int m = plan_.tailHalf;
+    double* frame = sides_[side].tailFrame.data();
+    if (usable) {
+        fft_.forwardAny(frame, m);
+        int slot = tailBase_;
+        for (int q = 0; q < plan_.tailCount; ++q) {
+            mac_(tailSlot(side, slot), frame, held_->tailPartition(side, q), m);
+            slot = slot + 1 == plan_.tailCount ? 0 : slot + 1;
+        }
+    }
+    std::fill(frame, frame + 2 * m, 0.0);
+}
+
+// The tail block just completed: the next tail slot is complete. Its output begins one tail
+// length after that block began, with the next block.
+void PathConvolver::finishTail(int side) {
+    const int m = plan_.tailHalf;
+    double* current = tailSlot(side, tailBase_);
+    fft_.inverseAny(current, m);
+    addToRing(side, current, m, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+    std::fill(current, current + 2 * m, 0.0);
+}
+
+void PathConvolver::addToRing(int side, const double* signal, int half, int count, size_t at) {
+    double* ring = ring_[side];
+    for (int t = 0; t < count; ++t) ring[(at + t) & ringMask_] += signal[sampleEntry(half, t)];
 }
 
 }  // namespace dsp
