@@ -188,7 +188,7 @@ private:
 
     // The linear-phase equalizer at the internal rate, one sample of each side.
     template <class P>
-    P equalize(P x, PathConvolutionOps& ops) {
+    [[gnu::always_inline]] P equalize(P x, PathConvolutionOps& ops) {
         // The convolver returns each side through memory. The two values are kept apart there,
         // so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte stores
         // cannot be forwarded from the store buffer and would stall every sample.

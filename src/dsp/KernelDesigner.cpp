@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/PartitionSpectra.h"
+#include "dsp/SpectrumMac.h"
 
 namespace dsp {
 namespace {
@@ -35,6 +36,7 @@ KernelDesigner::KernelDesigner(FftFamily family)
       sets_(kMaxFrameSize),
       work_(2 * kMaxFrameSize),
       taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
+      multiplyScratch_(2 * kMaxFrameSize),
       window_(kMaxFrameSize / 2),
       displayScratch_(KernelDisplay::kScratchDoubles) {}
 
@@ -139,8 +141,16 @@ void KernelDesigner::useWindowFor(int n) {
 bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameSize) {
     const KernelSet& set = sets_.acquire();
     if (set.frameSize() != frameSize || set.plan().headCount != 1) return false;
-    fft_.multiply(frameA, set.spectrum(0), frameSize);
-    fft_.multiply(frameB, set.spectrum(1), frameSize);
+    const SpectrumMac mac = spectrumMac(preferredMacFamily());
+    double* frames[kSides] = {frameA, frameB};
+    for (int side = 0; side < kSides; ++side) {
+        double* spectrum = multiplyScratch_.data();
+        std::copy(frames[side], frames[side] + 2 * frameSize, spectrum);
+        std::fill(frames[side], frames[side] + 2 * frameSize, 0.0);
+        swapMacLayout(spectrum, frameSize);
+        mac(frames[side], spectrum, set.spectrum(side), frameSize);
+        swapMacLayout(frames[side], frameSize);
+    }
     return true;
 }
 

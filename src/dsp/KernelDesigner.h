@@ -118,6 +118,7 @@ private:
     KernelSetExchange sets_;
     AlignedBuffer work_;
     AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
+    AlignedBuffer multiplyScratch_;  // the reader's, for multiplyByNewest()
     AlignedBuffer window_;
     AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for

@@ -3,7 +3,7 @@
 // convolution, given the hop H in which input arrives.
 //
 // Head: partitions of H taps, each convolved with every input block of H samples through
-// transforms of 2M points (M the power of two ≥ H; a block times a partition of up to H + 1
+// transforms of 2M points (M the power of two ≥ H, at least 4; a block times a partition of up to H + 1
 // taps is at most 2H ≤ 2M samples long, so the circular product never wraps). Where N/H is
 // large, a tail takes over from offset L = k·H: partitions of L taps convolved with blocks of
 // k hops through transforms of 2·M2 points (M2 the power of two ≥ L). Without a tail the head

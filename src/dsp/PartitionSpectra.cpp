@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/FftLayout.h"
+#include "dsp/SpectrumMac.h"
 
 namespace dsp {
 namespace {
@@ -16,6 +17,7 @@ void partitionSpectrum(const double* kernel, int n, int first, int last, int m, 
     out[0] *= dc;
     out[1] *= dc;
     for (int e = 2; e < 2 * m; ++e) out[e] *= bins;
+    swapMacLayout(out, m);
 }
 
 }  // namespace

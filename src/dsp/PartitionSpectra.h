@@ -1,7 +1,7 @@
 #pragma once
 // Cuts a kernel of N + 1 taps into the partitions of a plan (PartitionPlan.h) and turns each
-// into a packed spectrum scaled for the inverse transform, ready for the partitioned
-// convolution's multiply-accumulate.
+// into a packed spectrum scaled for the inverse transform, in the multiply-accumulate layout
+// (SpectrumMac.h), ready for the partitioned convolution.
 
 #include "dsp/Fft.h"
 #include "dsp/PartitionPlan.h"

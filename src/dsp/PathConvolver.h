@@ -64,15 +64,13 @@ public:
 
     // One sample of each side in, one out (the sample H + N/2 − 1 samples earlier, after the
     // kernel).
-    void process(double& a, double& b, PathConvolutionOps& ops) {
+    [[gnu::always_inline]] void process(double& a, double& b, PathConvolutionOps& ops) {
         input_[0][fill_] = a;
         input_[1][fill_] = b;
         if (++fill_ == plan_.hop) convolveBlock(ops);
-        const size_t r = read_++ & ringMask_;
-        a = ring_[0][r];
-        b = ring_[1][r];
-        ring_[0][r] = 0.0;
-        ring_[1][r] = 0.0;
+        a = output_[0][read_];
+        b = output_[1][read_];
+        ++read_;
     }
 
     // How many blocks were silenced because the kernel set held did not fit the plan.
@@ -83,7 +81,9 @@ private:
         AlignedBuffer input;      // the block being gathered, H samples
         AlignedBuffer tailFrame;  // the tail's gathered blocks, 2·M2 entries
         AlignedBuffer slots;      // accumulated spectra: head slots, then tail slots
-        AlignedBuffer ring;       // output samples by time, ringMask_ + 1 entries
+        AlignedBuffer ring;       // the tail's output samples by time, ringMask_ + 1 entries
+        AlignedBuffer output;     // the hop of output being read, H samples
+        AlignedBuffer overlap;    // the head's output for the next hop, H samples
     };
 
     void convolveBlock(PathConvolutionOps& ops);
@@ -92,6 +92,8 @@ private:
     void finishTail(int side);
     // Adds samples 0..count − 1 of a half-interleaved signal of 2·half samples to the ring.
     void addToRing(int side, const double* signal, int half, int count, size_t at);
+    // The tail's share of this hop's output, leaving the ring silent there.
+    void addTailOutput(int side);
     double* headSlot(int side, int slot) { return sides_[side].slots.data() + slot * plan_.headPartitionDoubles(); }
     double* tailSlot(int side, int slot) {
         return sides_[side].slots.data() + plan_.headDoubles() + slot * plan_.tailPartitionDoubles();
@@ -106,14 +108,14 @@ private:
     size_t ringMask_;
 
     double* input_[kSides];
-    double* ring_[kSides];
+    double* output_[kSides];
     const KernelSet* held_ = nullptr;  // taken at the latest block
     int fill_ = 0;                     // samples of the block gathered
     int headBase_ = 0;                 // the head slot of the current block
     int tailBase_ = 0;                 // the tail slot the next tail output comes from
     int tailGathered_ = 0;             // blocks of the tail block gathered
     size_t blockStart_ = 0;            // time of the current block's first sample
-    size_t read_ = 0;                  // time of the next output sample
+    int read_ = 0;                     // the next output sample of output_
     unsigned long silenced_ = 0;
 };
 
