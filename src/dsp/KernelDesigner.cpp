@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <emmintrin.h>
+
 #include "dsp/PartitionSpectra.h"
 #include "dsp/SpectrumMac.h"
 
@@ -15,26 +17,13 @@ constexpr double kHammingSwing = 0.46;
 // ends in exact zeros instead of denormals.
 constexpr double kDenormalGuard = 1e-18;
 
-struct SectionState {
-    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
-};
-
-inline double runSection(const BiquadCoefficients& c, SectionState& s, double x) {
-    double y = c.b0 * x + c.b1 * s.x1 + c.b2 * s.x2 - c.a1 * s.y1 - c.a2 * s.y2;
-    y = (y + kDenormalGuard) - kDenormalGuard;
-    s.x2 = s.x1;
-    s.x1 = x;
-    s.y2 = s.y1;
-    s.y1 = y;
-    return y;
-}
-
 }  // namespace
 
 KernelDesigner::KernelDesigner(FftFamily family)
     : fft_(family),
       sets_(kMaxFrameSize),
       work_(2 * kMaxFrameSize),
+      workB_(2 * kMaxFrameSize),
       taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
       multiplyScratch_(2 * kMaxFrameSize),
       window_(kMaxFrameSize / 2),
@@ -70,65 +59,91 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
         for (int side = 0; side < kSides; ++side) std::fill(set.spectrum(side), set.spectrum(side) + plan.spectrumDoubles(), 0.0);
         return;
     }
-    double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
-    for (double* k : kernel) std::fill(k, k + entries, 0.0);
-
-    // Side A's reversed response goes straight into the work buffer; side B's is copied
-    // there once side A is done with it.
-    std::fill(work_.data(), work_.data() + entries, 0.0);
-    const int half = n / 2;
-    cascadeImpulseResponses(sections, half, kernel[0], kernel[1], work_.data());
-    autocorrelate(kernel[0], n);
-
-    std::fill(work_.data(), work_.data() + entries, 0.0);
-    for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = kernel[1][2 * k];
-    autocorrelate(kernel[1], n);
-
+    // Each side's response h into the work buffers, its windowed autocorrelation into the taps.
+    double* response[kSides] = {work_.data(), workB_.data()};
+    for (double* r : response) std::fill(r, r + entries, 0.0);
+    cascadeImpulseResponses(sections, n / 2, response[0], response[1]);
     useWindowFor(n);
-    for (double* k : kernel) applyWindow(k, n);
+    double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
+    for (int side = 0; side < kSides; ++side) {
+        autocorrelate(response[side], n);
+        windowInto(kernel[side], response[side], n);
+    }
     if (measureCurves)
         for (int side = 0; side < kSides; ++side)
             display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
     for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
 }
 
-void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
-                             double* sideAReversed) {
-    SectionState state[kBandSlots] = {};
-    for (int k = 0; k <= half; ++k) {
-        double a = k == 0 ? 1.0 : 0.0;
-        double b = a;
-        for (int band = 0; band < kBandsPerSide; ++band) {
-            a = runSection(sections[band], state[band], a);
-            b = runSection(sections[kBandsPerSide + band], state[kBandsPerSide + band], b);
+// A wavefront: at step k, band j of both sides (one register, side A low, side B high) takes
+// sample k − j, the output band j − 1 gave at the step before. The eight bands of a step are
+// independent, so the processor overlaps their recursions; each band still computes exactly
+// what it computes sample by sample in series.
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB) {
+    struct Band {
+        __m128d b0, b1, b2, a1, a2;
+        __m128d x1 = _mm_setzero_pd(), x2 = _mm_setzero_pd(), y1 = _mm_setzero_pd(), y2 = _mm_setzero_pd();
+    } band[kBandsPerSide];
+    for (int j = 0; j < kBandsPerSide; ++j) {
+        const BiquadCoefficients& a = sections[j];
+        const BiquadCoefficients& b = sections[kBandsPerSide + j];
+        band[j].b0 = _mm_set_pd(b.b0, a.b0);
+        band[j].b1 = _mm_set_pd(b.b1, a.b1);
+        band[j].b2 = _mm_set_pd(b.b2, a.b2);
+        band[j].a1 = _mm_set_pd(b.a1, a.a1);
+        band[j].a2 = _mm_set_pd(b.a2, a.a2);
+    }
+    const __m128d guard = _mm_set1_pd(kDenormalGuard);
+    const int last = kBandsPerSide - 1;
+    for (int k = 0; k <= half + last; ++k) {
+        for (int j = last; j >= 0; --j) {
+            Band& s = band[j];
+            const __m128d x = j > 0 ? band[j - 1].y1 : _mm_set1_pd(k == 0 ? 1.0 : 0.0);
+            __m128d y = _mm_add_pd(_mm_mul_pd(s.b0, x), _mm_mul_pd(s.b1, s.x1));
+            y = _mm_add_pd(y, _mm_mul_pd(s.b2, s.x2));
+            y = _mm_sub_pd(y, _mm_mul_pd(s.a1, s.y1));
+            y = _mm_sub_pd(y, _mm_mul_pd(s.a2, s.y2));
+            y = _mm_sub_pd(_mm_add_pd(y, guard), guard);
+            s.x2 = s.x1;
+            s.x1 = x;
+            s.y2 = s.y1;
+            s.y1 = y;
         }
-        sideA[2 * k] = a;
-        sideB[2 * k] = b;
-        sideAReversed[2 * (half - k)] = a;
+        if (const int t = k - last; t >= 0) {
+            _mm_storel_pd(sideA + 2 * t, band[last].y1);
+            _mm_storeh_pd(sideB + 2 * t, band[last].y1);
+        }
     }
 }
 
-// kernel (h forwards) ← h correlated with the work buffer's h reversed: c[n], n = 0..N, peak
-// at N/2. N + 1 samples fit the 2N-sample circular product without wrapping round.
-void KernelDesigner::autocorrelate(double* kernel, int n) {
-    double* reversed = work_.data();
-    fft_.forward(reversed, n);
-    fft_.scale(reversed, n);
-    fft_.forward(kernel, n);
-    fft_.multiply(kernel, reversed, n);
-    fft_.inverse(kernel, n);
+// h (N/2 + 1 samples) ← its circular autocorrelation over 2N samples, r[t] = Σ_k h[k]·h[k + t]
+// with r[2N − t] = r[t]: the inverse transform of |H|². The lags reach ±N/2 only, so nothing
+// wraps round.
+void KernelDesigner::autocorrelate(double* h, int n) {
+    fft_.forward(h, n);
+    h[0] *= h[0];
+    h[1] *= h[1];
+    for (int e = 2; e < 2 * n; e += 2) {
+        h[e] = h[e] * h[e] + h[e + 1] * h[e + 1];
+        h[e + 1] = 0.0;
+    }
+    fft_.scale(h, n);
+    fft_.inverse(h, n);
 }
 
-// Samples 0..N/2 − 1 take the rising half of the window and are mirrored onto N..N/2 + 1
-// (which also makes the taps exactly symmetric); sample N/2 keeps weight 1. Whatever rounding
-// left in samples N + 1..2N − 1 is cleared: the kernel is exactly its N + 1 taps.
-void KernelDesigner::applyWindow(double* kernel, int n) {
+// The kernel g[n] = r[|n − N/2|]·w(n), n = 0..N, centred on the autocorrelation's peak: the
+// rising half of the window on samples 0..N/2 − 1, mirrored onto N..N/2 + 1 (so the taps are
+// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero.
+void KernelDesigner::windowInto(double* kernel, const double* r, int n) {
     const double* w = window_.data();
     const int half = n / 2;
-    for (int k = 0; k < half; ++k) kernel[2 * k] *= w[k];
-    for (int k = 1; k < half; ++k) kernel[2 * (n - k)] = kernel[2 * k];
-    kernel[1] = kernel[0];
-    for (int t = 1; t < n; ++t) kernel[2 * t + 1] = 0.0;
+    std::fill(kernel, kernel + 2 * static_cast<size_t>(n), 0.0);
+    kernel[2 * half] = r[0];
+    for (int k = 0; k < half; ++k) {
+        const double g = r[2 * (half - k)] * w[k];
+        kernel[2 * k] = g;
+        kernel[sampleEntry(n, n - k)] = g;
+    }
 }
 
 void KernelDesigner::useWindowFor(int n) {

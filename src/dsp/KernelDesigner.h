@@ -8,17 +8,15 @@
 // autocorrelation is shaped by a Hamming window centred on its peak:
 //   g[n] = c[n]·(0.54 − 0.46·cos(2πn/N)),  c[n] = Σ_k h[k]·h[k + n − N/2],  n = 0..N,
 // N + 1 taps, symmetric about N/2, so the filter delays by exactly N/2 samples. The
-// correlation runs as a product of spectra: h forwards in one buffer, h reversed in the work
-// buffer, both transformed, multiplied, transformed back. The kernel is then transformed and
-// scaled once more (its "kernel spectrum"), partition by partition.
-//
-// The finished kernel is cut into the partitions the audio path's convolution uses
-// (PartitionPlan.h), each transformed and scaled.
+// correlation is the inverse transform of |H|² (one transform each way per side). The kernel
+// is then cut into the partitions the audio path's convolution uses (PartitionPlan.h), each
+// transformed and scaled: the kernel spectra.
 //
 // Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
 // sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
-// one the audio thread holds; the time-domain kernels and the work buffer; the Hamming half window (recomputed when N
-// changes); the 65536-double scratch of the display transform.
+// one the audio thread holds; the time-domain kernels and the two sides' work buffers; the
+// Hamming half window (recomputed when N changes); the 65536-double scratch of the display
+// transform.
 //
 // Threads. buildKernels() takes the owner's process lock for the whole build: two builds
 // never overlap, and the sets, work buffers, window and scratch that a build touches are only
@@ -41,10 +39,9 @@ namespace dsp {
 
 // The responses of both sides' cascades (slots 0..7 side A, 8..15 side B, band 1 first) to a
 // unit impulse, samples k = 0..half: sample k goes to entry 2k of sideA and sideB (the
-// half-interleaved layout) and to entry 2(half − k) of sideAReversed. The two sides run side
-// by side: their recursions are independent, so the processor overlaps them.
-void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
-                             double* sideAReversed);
+// half-interleaved layout). The two sides run side by side: their recursions are
+// independent, so the processor overlaps them.
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB);
 
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
@@ -108,8 +105,8 @@ public:
 private:
     void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], const PartitionPlan& plan,
                    double designRate, bool linPhase, bool measureCurves);
-    void autocorrelate(double* kernel, int n);
-    void applyWindow(double* kernel, int n);
+    void autocorrelate(double* h, int n);
+    void windowInto(double* kernel, const double* r, int n);
     void useWindowFor(int n);
 
     Fft fft_;
@@ -117,6 +114,7 @@ private:
 
     KernelSetExchange sets_;
     AlignedBuffer work_;
+    AlignedBuffer workB_;
     AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
     AlignedBuffer multiplyScratch_;  // the reader's, for multiplyByNewest()
     AlignedBuffer window_;
