@@ -39,7 +39,7 @@ struct PartitionPlan {
     // The same without a tail: every partition H taps long.
     static PartitionPlan uniform(int frameSize, int hop);
     // An upper bound of spectrumDoubles() over every hop, for kernels of N + 1 taps.
-    static size_t maxSpectrumDoubles(int maxFrameSize) { return 8 * static_cast<size_t>(maxFrameSize) + 8; }
+    static size_t maxSpectrumDoubles(int maxFrameSize) { return 4 * static_cast<size_t>(maxFrameSize) + 16; }
 
     bool hasTail() const { return tailHops > 0; }
     int tailLength() const { return tailHops * hop; }  // L
