@@ -163,7 +163,7 @@ bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameS
         std::copy(frames[side], frames[side] + 2 * frameSize, spectrum);
         std::fill(frames[side], frames[side] + 2 * frameSize, 0.0);
         swapMacLayout(spectrum, frameSize);
-        mac(frames[side], spectrum, set.spectrum(side), frameSize);
+        macSpectrum(mac, frames[side], spectrum, set.spectrum(side), frameSize);
         swapMacLayout(frames[side], frameSize);
     }
     return true;

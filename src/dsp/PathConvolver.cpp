@@ -10,13 +10,14 @@ PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
     : maxN_(maxFrameSize),
       fft_(fft),
       mac_(spectrumMac(mac)),
+      head_(PartitionPlan::maxSpectrumDoubles(maxFrameSize)),
+      tail_(PartitionPlan::maxSpectrumDoubles(maxFrameSize)),
       work_(2 * static_cast<size_t>(maxFrameSize)),
       ringMask_(powerOfTwoAtLeast(4 * static_cast<size_t>(maxFrameSize)) - 1) {
     for (int side = 0; side < kSides; ++side) {
         Side& s = sides_[side];
         s.input = AlignedBuffer(maxN_);
         s.tailFrame = AlignedBuffer(2 * static_cast<size_t>(maxN_));
-        s.slots = AlignedBuffer(PartitionPlan::maxSpectrumDoubles(maxN_));
         s.ring = AlignedBuffer(ringMask_ + 1);
         s.output = AlignedBuffer(maxN_);
         s.overlap = AlignedBuffer(maxN_);
@@ -29,6 +30,8 @@ PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
 void PathConvolver::configure(int frameSize, int hop) {
     const int n = std::clamp(frameSize, 1, maxN_);
     plan_ = PartitionPlan::forFrame(n, std::clamp(hop, 1, n));
+    head_.configure(plan_.headHalf, plan_.headCount);
+    tail_.configure(std::max(plan_.tailHalf, 4), plan_.tailCount);
     held_ = nullptr;
     clear();
 }
@@ -37,14 +40,13 @@ void PathConvolver::clear() {
     for (Side& s : sides_) {
         s.input.clear(plan_.hop);
         s.tailFrame.clear(plan_.tailPartitionDoubles());
-        s.slots.clear(plan_.spectrumDoubles());
         s.ring.clear();
         s.output.clear(plan_.hop);
         s.overlap.clear(plan_.hop);
     }
+    head_.clear();
+    tail_.clear();
     fill_ = 0;
-    headBase_ = 0;
-    tailBase_ = 0;
     tailGathered_ = 0;
     blockStart_ = 0;
     read_ = 0;  // until the first block completes, the silence before the input began
@@ -52,11 +54,7 @@ void PathConvolver::clear() {
 
 void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
     if (!held_ || ops.newerKernelsWaiting()) {
-        // The tail's blocks gathered so far belong to the set held until now.
-        if (tailGathered_ > 0) {
-            const bool usable = held_ && held_->plan() == plan_;
-            for (int side = 0; side < kSides; ++side) multiplyTail(side, usable);
-        }
+        if (held_) settleHeldSet();
         held_ = &ops.takeNewestKernels();
     }
     const bool usable = held_->plan() == plan_;
@@ -70,25 +68,37 @@ void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
         }
         headBlock(side, usable);
     }
-    headBase_ = headBase_ + 1 == plan_.headCount ? 0 : headBase_ + 1;
+    head_.advance();
 
-    if (plan_.hasTail() && ++tailGathered_ == plan_.tailHops) {
-        for (int side = 0; side < kSides; ++side) {
-            multiplyTail(side, usable);
-            finishTail(side);
+    if (plan_.hasTail()) {
+        if (++tailGathered_ == plan_.tailHops) {
+            for (int side = 0; side < kSides; ++side) tailBlock(side, usable);
+            tail_.advance();
+            tailGathered_ = 0;
         }
-        tailBase_ = tailBase_ + 1 == plan_.tailCount ? 0 : tailBase_ + 1;
-        tailGathered_ = 0;
-    }
-    if (plan_.hasTail())
         for (int side = 0; side < kSides; ++side) addTailOutput(side);
+    }
     blockStart_ += static_cast<size_t>(h);
     fill_ = 0;
     read_ = 0;
 }
 
-// The block's spectrum into the head slots it reaches; the current slot is then complete and
-// becomes output samples.
+void PathConvolver::settleHeldSet() {
+    const bool usable = held_->plan() == plan_;
+    for (int side = 0; side < kSides; ++side) {
+        head_.catchUp(side, nullptr, headKernels(side), usable, fft_, mac_);
+        if (!plan_.hasTail()) continue;
+        // The tail's blocks gathered so far belong to the set held until now.
+        double* frame = sides_[side].tailFrame.data();
+        tail_.catchUp(side, tailGathered_ > 0 ? frame : nullptr, tailKernels(side), usable, fft_, mac_);
+        std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+    }
+    head_.changed();
+    tail_.changed();
+}
+
+// The block through the head partitions: the first H samples of its output complete this
+// hop's output with what earlier blocks left; samples H..2H − 1 are left for the next hop.
 void PathConvolver::headBlock(int side, bool usable) {
     const int h = plan_.hop, m = plan_.headHalf;
     double* frame = work_.data();
@@ -98,20 +108,9 @@ void PathConvolver::headBlock(int side, bool usable) {
         frame[2 * t + 1] = 0.0;
     }
     std::fill(frame + 2 * h, frame + 2 * m, 0.0);
-    fft_.forwardAny(frame, m);
-    swapMacLayout(frame, m);
-    if (usable) {
-        int slot = headBase_;
-        for (int p = 0; p < plan_.headCount; ++p) {
-            mac_(headSlot(side, slot), frame, held_->headPartition(side, p), m);
-            slot = slot + 1 == plan_.headCount ? 0 : slot + 1;
-        }
-    }
-    double* current = headSlot(side, headBase_);
-    swapMacLayout(current, m);
-    fft_.inverseAny(current, m);
-    // Samples 0..H − 1 complete this hop's output with what earlier blocks left; H..2H − 1
-    // are left for the next hop.
+    head_.complete(side, frame, headKernels(side), usable, fft_, mac_);
+
+    const double* current = head_.output(side);
     double* output = output_[side];
     double* overlap = sides_[side].overlap.data();
     if (m == h) {
@@ -123,35 +122,15 @@ void PathConvolver::headBlock(int side, bool usable) {
         for (int t = 0; t < h; ++t) output[t] = overlap[t] + current[2 * t];
         for (int t = 0; t < h; ++t) overlap[t] = current[sampleEntry(m, h + t)];
     }
-    std::fill(current, current + 2 * m, 0.0);
 }
 
-// The gathered tail blocks into the tail slots they reach, with the set held now; the frame is
-// then cleared for the blocks still to come.
-void PathConvolver::multiplyTail(int side, bool usable) {
-    const int m = plan_.tailHalf;
+// The tail block just completed: its output begins one tail length after the block began,
+// with the next hop.
+void PathConvolver::tailBlock(int side, bool usable) {
     double* frame = sides_[side].tailFrame.data();
-    if (usable) {
-        fft_.forwardAny(frame, m);
-        swapMacLayout(frame, m);
-        int slot = tailBase_;
-        for (int q = 0; q < plan_.tailCount; ++q) {
-            mac_(tailSlot(side, slot), frame, held_->tailPartition(side, q), m);
-            slot = slot + 1 == plan_.tailCount ? 0 : slot + 1;
-        }
-    }
-    std::fill(frame, frame + 2 * m, 0.0);
-}
-
-// The tail block just completed: the next tail slot is complete. Its output begins one tail
-// length after that block began, with the next block.
-void PathConvolver::finishTail(int side) {
-    const int m = plan_.tailHalf;
-    double* current = tailSlot(side, tailBase_);
-    swapMacLayout(current, m);
-    fft_.inverseAny(current, m);
-    addToRing(side, current, m, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
-    std::fill(current, current + 2 * m, 0.0);
+    tail_.complete(side, frame, tailKernels(side), usable, fft_, mac_);
+    std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+    addToRing(side, tail_.output(side), plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
 }
 
 // The signal's samples t < half are its even entries, the others its odd entries; each range

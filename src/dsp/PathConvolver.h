@@ -3,15 +3,13 @@
 // kernel (N + 1 symmetric taps, centre at N/2) by partitioned convolution in the frequency
 // domain (the partitions: PartitionPlan.h).
 //
-// Input arrives in blocks of one hop H. When a block is complete it is transformed once, and
-// its spectrum times each head partition p is added to the accumulated spectrum of the output
-// block p hops later; the accumulated spectrum of the current output block is then complete,
-// is transformed back and added to the output. Where the plan has a tail, k blocks are
-// gathered, transformed at the tail's size and multiplied with the tail partitions in the
-// same way. So each input block is multiplied with the kernel set held when it completed,
-// whatever set later blocks see: after a kernel swap the old set's products still reach
-// their outputs, and nothing is multiplied again with a newer set. Before the tail's gathered
-// blocks would meet a newer set they are multiplied with the set they belong to.
+// Input arrives in blocks of one hop H. When a block is complete it is transformed once and
+// convolved with the head partitions (PartitionStage.h); the output spectrum of the block is
+// transformed back and completes the next hop of output. Where the plan has a tail, k blocks
+// are gathered and convolved with the tail partitions in the same way. Each input block is
+// multiplied with the kernel set held when it completed, whatever set later blocks see: when
+// a newer set is taken, the blocks of the old one are settled with it first, the tail's
+// partly gathered block included, and nothing is multiplied again with a newer set.
 //
 // The first output sample of a block leaves with the block's last input sample, so the path
 // delays by H + N/2 − 1 samples, the same for every plan.
@@ -27,6 +25,7 @@
 #include "dsp/Fft.h"
 #include "dsp/KernelSetExchange.h"
 #include "dsp/PartitionPlan.h"
+#include "dsp/PartitionStage.h"
 #include "dsp/SpectrumMac.h"
 
 namespace dsp {
@@ -80,23 +79,25 @@ private:
     struct Side {
         AlignedBuffer input;      // the block being gathered, H samples
         AlignedBuffer tailFrame;  // the tail's gathered blocks, 2·M2 entries
-        AlignedBuffer slots;      // accumulated spectra: head slots, then tail slots
         AlignedBuffer ring;       // the tail's output samples by time, ringMask_ + 1 entries
         AlignedBuffer output;     // the hop of output being read, H samples
         AlignedBuffer overlap;    // the head's output for the next hop, H samples
     };
 
     void convolveBlock(PathConvolutionOps& ops);
+    // Before a newer set is taken: every block so far settled with the set held until now.
+    void settleHeldSet();
     void headBlock(int side, bool usable);
-    void multiplyTail(int side, bool usable);
-    void finishTail(int side);
+    void tailBlock(int side, bool usable);
     // Adds samples 0..count − 1 of a half-interleaved signal of 2·half samples to the ring.
     void addToRing(int side, const double* signal, int half, int count, size_t at);
     // The tail's share of this hop's output, leaving the ring silent there.
     void addTailOutput(int side);
-    double* headSlot(int side, int slot) { return sides_[side].slots.data() + slot * plan_.headPartitionDoubles(); }
-    double* tailSlot(int side, int slot) {
-        return sides_[side].slots.data() + plan_.headDoubles() + slot * plan_.tailPartitionDoubles();
+    PartitionSpectra headKernels(int side) const {
+        return {held_->headPartition(side, 0), plan_.headPartitionDoubles()};
+    }
+    PartitionSpectra tailKernels(int side) const {
+        return {held_->tailPartition(side, 0), plan_.tailPartitionDoubles()};
     }
 
     int maxN_;
@@ -104,6 +105,8 @@ private:
     SpectrumMac mac_;
     PartitionPlan plan_;
     Side sides_[kSides];
+    PartitionStage head_;
+    PartitionStage tail_;
     AlignedBuffer work_;  // one head transform, 2M entries
     size_t ringMask_;
 
@@ -111,8 +114,6 @@ private:
     double* output_[kSides];
     const KernelSet* held_ = nullptr;  // taken at the latest block
     int fill_ = 0;                     // samples of the block gathered
-    int headBase_ = 0;                 // the head slot of the current block
-    int tailBase_ = 0;                 // the tail slot the next tail output comes from
     int tailGathered_ = 0;             // blocks of the tail block gathered
     size_t blockStart_ = 0;            // time of the current block's first sample
     int read_ = 0;                     // the next output sample of output_

@@ -34,31 +34,33 @@ void swapMacLayout(double* spectrum, int half) {
 
 namespace mac {
 
-void plain(double* acc, const double* x, const double* k, int half) {
-    const double dc = acc[0] + x[0] * k[0], nyquist = acc[4] + x[4] * k[4];
+void plain(double* acc, const double* const* x, const double* const* k, int terms, int half) {
     for (int run = 0; run < 2 * half; run += 8)
         for (int j = run; j < run + 4; ++j) {
-            const double xr = x[j], xi = x[j + 4], kr = k[j], ki = k[j + 4];
-            acc[j] += xr * kr - xi * ki;
-            acc[j + 4] += xi * kr + xr * ki;
+            double re = acc[j], im = acc[j + 4];
+            for (int t = 0; t < terms; ++t) {
+                const double xr = x[t][j], xi = x[t][j + 4], kr = k[t][j], ki = k[t][j + 4];
+                re += xr * kr - xi * ki;
+                im += xi * kr + xr * ki;
+            }
+            acc[j] = re;
+            acc[j + 4] = im;
         }
-    acc[0] = dc;
-    acc[4] = nyquist;
 }
 
-void sse2(double* acc, const double* x, const double* k, int half) {
-    const double dc = acc[0] + x[0] * k[0], nyquist = acc[4] + x[4] * k[4];
+void sse2(double* acc, const double* const* x, const double* const* k, int terms, int half) {
     for (int run = 0; run < 2 * half; run += 8)
         for (int j = run; j < run + 4; j += 2) {
-            const __m128d xr = _mm_load_pd(x + j), xi = _mm_load_pd(x + j + 4);
-            const __m128d kr = _mm_load_pd(k + j), ki = _mm_load_pd(k + j + 4);
-            const __m128d re = _mm_sub_pd(_mm_mul_pd(xr, kr), _mm_mul_pd(xi, ki));
-            const __m128d im = _mm_add_pd(_mm_mul_pd(xi, kr), _mm_mul_pd(xr, ki));
-            _mm_store_pd(acc + j, _mm_add_pd(_mm_load_pd(acc + j), re));
-            _mm_store_pd(acc + j + 4, _mm_add_pd(_mm_load_pd(acc + j + 4), im));
+            __m128d re = _mm_load_pd(acc + j), im = _mm_load_pd(acc + j + 4);
+            for (int t = 0; t < terms; ++t) {
+                const __m128d xr = _mm_load_pd(x[t] + j), xi = _mm_load_pd(x[t] + j + 4);
+                const __m128d kr = _mm_load_pd(k[t] + j), ki = _mm_load_pd(k[t] + j + 4);
+                re = _mm_add_pd(re, _mm_sub_pd(_mm_mul_pd(xr, kr), _mm_mul_pd(xi, ki)));
+                im = _mm_add_pd(im, _mm_add_pd(_mm_mul_pd(xi, kr), _mm_mul_pd(xr, ki)));
+            }
+            _mm_store_pd(acc + j, re);
+            _mm_store_pd(acc + j + 4, im);
         }
-    acc[0] = dc;
-    acc[4] = nyquist;
 }
 
 }  // namespace mac

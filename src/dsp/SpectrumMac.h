@@ -8,13 +8,29 @@
 //
 // One routine per family: plain C++ (the reference), SSE2, and AVX2 with fused multiply-adds
 // where the processor has them. The families differ only in rounding (a fused multiply-add
-// rounds once).
+// rounds once). They treat every run alike, as four complex bins, so that a spectrum can be
+// taken a stretch of runs at a time; macSpectrum() puts the two real bins right.
 
 namespace dsp {
 
 enum class MacFamily { Plain, Sse2, Avx2Fma };
 
-using SpectrumMac = void (*)(double* acc, const double* x, const double* k, int half);
+// acc ← acc + Σ_j x[j]·k[j], j < terms, over the runs of 2·half doubles (half a multiple of
+// 4), all as complex bins; each run's sum is kept in registers until all terms are in.
+using SpectrumMac = void (*)(double* acc, const double* const* x, const double* const* k, int terms, int half);
+
+// The same over whole spectra of 2·half doubles, the real bins 0 and M included.
+inline void macSpectra(SpectrumMac mac, double* acc, const double* const* x, const double* const* k, int terms,
+                       int half) {
+    double dc = acc[0], nyquist = acc[4];
+    for (int j = 0; j < terms; ++j) dc += x[j][0] * k[j][0], nyquist += x[j][4] * k[j][4];
+    mac(acc, x, k, terms, half);
+    acc[0] = dc;
+    acc[4] = nyquist;
+}
+inline void macSpectrum(SpectrumMac mac, double* acc, const double* x, const double* k, int half) {
+    macSpectra(mac, acc, &x, &k, 1, half);
+}
 
 SpectrumMac spectrumMac(MacFamily family);
 // The fastest family this machine runs.
@@ -29,9 +45,9 @@ constexpr int macLayoutIndex(int e) {
 }
 
 namespace mac {
-void plain(double* acc, const double* x, const double* k, int half);
-void sse2(double* acc, const double* x, const double* k, int half);
-void avx2Fma(double* acc, const double* x, const double* k, int half);
+void plain(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void sse2(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half);
 }  // namespace mac
 
 }  // namespace dsp

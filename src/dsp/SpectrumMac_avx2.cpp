@@ -7,19 +7,18 @@
 
 namespace dsp::mac {
 
-void avx2Fma(double* acc, const double* x, const double* k, int half) {
-    const double dc = acc[0] + x[0] * k[0], nyquist = acc[4] + x[4] * k[4];
+void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half) {
     for (int run = 0; run < 2 * half; run += 8) {
-        const __m256d xr = _mm256_load_pd(x + run), xi = _mm256_load_pd(x + run + 4);
-        const __m256d kr = _mm256_load_pd(k + run), ki = _mm256_load_pd(k + run + 4);
         __m256d re = _mm256_load_pd(acc + run), im = _mm256_load_pd(acc + run + 4);
-        re = _mm256_fnmadd_pd(xi, ki, _mm256_fmadd_pd(xr, kr, re));
-        im = _mm256_fmadd_pd(xr, ki, _mm256_fmadd_pd(xi, kr, im));
+        for (int t = 0; t < terms; ++t) {
+            const __m256d xr = _mm256_load_pd(x[t] + run), xi = _mm256_load_pd(x[t] + run + 4);
+            const __m256d kr = _mm256_load_pd(k[t] + run), ki = _mm256_load_pd(k[t] + run + 4);
+            re = _mm256_fnmadd_pd(xi, ki, _mm256_fmadd_pd(xr, kr, re));
+            im = _mm256_fmadd_pd(xr, ki, _mm256_fmadd_pd(xi, kr, im));
+        }
         _mm256_store_pd(acc + run, re);
         _mm256_store_pd(acc + run + 4, im);
     }
-    acc[0] = dc;
-    acc[4] = nyquist;
 }
 
 }  // namespace dsp::mac

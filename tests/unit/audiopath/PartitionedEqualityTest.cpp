@@ -61,9 +61,11 @@ TEST(PartitionedConvolver, EqualsTheReferenceBlockConvolutionAcrossKernelSwaps) 
                 }
             };
             swap();
-            const int length = 3 * c.n + 40 * c.hop + 2 * plan.tailLength();
+            const int length = 8 * c.n + 40 * c.hop + 8 * plan.tailLength();
             const auto xa = fft_test::randomSignal(length, 1), xb = fft_test::randomSignal(length, 2);
-            std::uniform_int_distribution<int> nextSwap(0, 3 * c.hop);
+            // Mostly a few hops apart; now and then long enough for every partition to be in use.
+            std::uniform_int_distribution<int> soon(0, 3 * c.hop), late(0, 2 * c.n + 4 * plan.tailLength());
+            const auto nextSwap = [&](std::mt19937& r) { return r() % 4 ? soon(r) : late(r); };
             int swapAt = nextSwap(rng);
             for (int i = 0; i < length; ++i) {
                 while (i == swapAt) {
