@@ -4,8 +4,8 @@
 //                        kernels cut for a hop of 512
 //   build/F_no_curves/N  the same without the display curves
 //   cascade/N            the impulse responses of both sides' eight sections (N/2 + 1 samples)
-//   transforms/F/N       per side the two transforms of size N of the autocorrelation, and the
-//                        cut into partitions for a hop of 512
+//   transforms/F/N       per side the two transforms of N samples of the autocorrelation, and
+//                        the cut into partitions for a hop of 512
 //   display/F/N          measuring both sides' curves (two 65536-sample transforms and the
 //                        interpolation of 453 points each)
 // The rest of a build is clearing and copying buffers, the window and the publication.
@@ -77,9 +77,8 @@ void transforms(benchmark::State& state, FftFamily family) {
     for (auto _ : state) {
         for (int side = 0; side < 2; ++side) {
             kernel[0] = 1.0;
-            fft.forward(kernel.data(), n);
-            fft.scale(kernel.data(), n);
-            fft.inverse(kernel.data(), n);
+            fft.forwardAny(kernel.data(), n / 2);
+            fft.inverseAny(kernel.data(), n / 2);
             dsp::partitionKernel(kernel.data(), plan, fft, spectra.data());
         }
         benchmark::ClobberMemory();

@@ -116,19 +116,26 @@ void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], i
     }
 }
 
-// h (N/2 + 1 samples) ← its circular autocorrelation over 2N samples, r[t] = Σ_k h[k]·h[k + t]
-// with r[2N − t] = r[t]: the inverse transform of |H|². The lags reach ±N/2 only, so nothing
-// wraps round.
+// h (N/2 + 1 samples at entries 2k) ← its circular autocorrelation over N samples, the inverse
+// transform of |H|², at the entries of the layout of N samples (sampleEntry(N/2, t)). The lags
+// reach ±N/2 only, so the one pair that meets when N samples wrap round is the last lag: N/2
+// and −N/2, equal, fall on the same sample, which therefore holds twice r[N/2].
 void KernelDesigner::autocorrelate(double* h, int n) {
-    fft_.forward(h, n);
+    const int m = n / 2;
+    h[1] = h[2 * m];  // sample N/2 into its place among N samples
+    h[2 * m] = 0.0;
+    fft_.forwardAny(h, m);
     h[0] *= h[0];
     h[1] *= h[1];
-    for (int e = 2; e < 2 * n; e += 2) {
+    for (int e = 2; e < 2 * m; e += 2) {
         h[e] = h[e] * h[e] + h[e + 1] * h[e + 1];
         h[e + 1] = 0.0;
     }
-    fft_.scale(h, n);
-    fft_.inverse(h, n);
+    const double dc = 1.0 / (2.0 * m), bins = 1.0 / m;
+    h[0] *= dc;
+    h[1] *= dc;
+    for (int e = 2; e < 2 * m; e += 2) h[e] *= bins;
+    fft_.inverseAny(h, m);
 }
 
 // The kernel g[n] = r[|n − N/2|]·w(n), n = 0..N, centred on the autocorrelation's peak: the
@@ -139,10 +146,13 @@ void KernelDesigner::windowInto(double* kernel, const double* r, int n) {
     const int half = n / 2;
     std::fill(kernel, kernel + 2 * static_cast<size_t>(n), 0.0);
     kernel[2 * half] = r[0];
-    for (int k = 0; k < half; ++k) {
+    const double edge = r[1] / 2.0 * w[0];  // lag N/2, counted twice (see autocorrelate)
+    kernel[0] = edge;
+    kernel[1] = edge;
+    for (int k = 1; k < half; ++k) {
         const double g = r[2 * (half - k)] * w[k];
         kernel[2 * k] = g;
-        kernel[sampleEntry(n, n - k)] = g;
+        kernel[2 * (n - k)] = g;
     }
 }
 

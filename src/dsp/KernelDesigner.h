@@ -8,7 +8,8 @@
 // autocorrelation is shaped by a Hamming window centred on its peak:
 //   g[n] = c[n]·(0.54 − 0.46·cos(2πn/N)),  c[n] = Σ_k h[k]·h[k + n − N/2],  n = 0..N,
 // N + 1 taps, symmetric about N/2, so the filter delays by exactly N/2 samples. The
-// correlation is the inverse transform of |H|² (one transform each way per side). The kernel
+// correlation is the inverse transform of |H|² over N samples (one transform each way per
+// side; of its lags only ±N/2 meet, and they are equal). The kernel
 // is then cut into the partitions the audio path's convolution uses (PartitionPlan.h), each
 // transformed and scaled: the kernel spectra.
 //
