@@ -53,7 +53,6 @@ KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kB
 void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots],
                                const PartitionPlan& plan, double designRate, bool linPhase, bool measureCurves) {
     const int n = plan.frameSize;
-    const size_t entries = 2 * static_cast<size_t>(n);
     set.setPlan(plan);
     if (!linPhase) {
         for (int side = 0; side < kSides; ++side) std::fill(set.spectrum(side), set.spectrum(side) + plan.spectrumDoubles(), 0.0);
@@ -61,7 +60,7 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
     }
     // Each side's response h into the work buffers, its windowed autocorrelation into the taps.
     double* response[kSides] = {work_.data(), workB_.data()};
-    for (double* r : response) std::fill(r, r + entries, 0.0);
+    for (double* r : response) std::fill(r, r + n + 1, 0.0);  // all that the response and its correlation use
     cascadeImpulseResponses(sections, n / 2, response[0], response[1]);
     useWindowFor(n);
     double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
