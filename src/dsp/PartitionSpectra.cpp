@@ -8,15 +8,24 @@
 namespace dsp {
 namespace {
 
-// Taps first .. last (inclusive) into a spectrum of 2M entries: tap first + t as sample t.
+// Taps first .. last (inclusive) into a spectrum of 2M entries: tap first + t as sample t, at
+// most M + 1 taps (the last one, if any, at entry 1). The scale for the inverse transform,
+// 1/M on every bin and 1/(2M) on the two real ones, goes on the taps before the transform.
 void partitionSpectrum(const double* kernel, int n, int first, int last, int m, const Fft& fft, double* out) {
+    const double scale = 1.0 / m;
+    const int count = last - first + 1;
+    const int even = count < m ? count : m;
     std::fill(out, out + 2 * m, 0.0);
-    for (int t = 0; t <= last - first; ++t) out[sampleEntry(m, t)] = kernel[sampleEntry(n, first + t)];
+    if (first + even <= n) {
+        const double* taps = kernel + 2 * first;
+        for (int t = 0; t < even; ++t) out[2 * t] = taps[2 * t] * scale;
+    } else {
+        for (int t = 0; t < even; ++t) out[2 * t] = kernel[sampleEntry(n, first + t)] * scale;
+    }
+    if (count > m) out[1] = kernel[sampleEntry(n, first + m)] * scale;
     fft.forwardAny(out, m);
-    const double dc = 1.0 / (2.0 * m), bins = 1.0 / m;
-    out[0] *= dc;
-    out[1] *= dc;
-    for (int e = 2; e < 2 * m; ++e) out[e] *= bins;
+    out[0] *= 0.5;
+    out[1] *= 0.5;
     swapMacLayout(out, m);
 }
 
