@@ -14,12 +14,12 @@
 //
 // The audio thread acquires once per hop, before it multiplies either side, and holds that set
 // until its next acquire: both sides of a block use one build, and the set stays valid for the
-// whole hop. The partitioned convolution multiplies each completed input block with every
-// partition of the set held at that hop and accumulates the products into the outputs they
-// will reach, so no set is needed beyond the hop that acquired it and three sets remain
-// enough however many partitions a set holds. Its tail gathers several hops before it
-// multiplies; it asks newerWaiting() first and finishes the hops gathered so far with the set
-// it still holds before it acquires the next.
+// whole hop. The partitioned convolution multiplies each input block with the partitions of
+// the set held when the block completed. It keeps the blocks' spectra and sums their products
+// while the set stays the same; before it acquires a newer one (it asks newerWaiting() first)
+// it settles every kept block, and the tail's partly gathered block, with the set it still
+// holds, adding the products to the outputs they will reach. So no set is needed beyond the
+// hops that held it, and three sets remain enough however many partitions a set holds.
 //
 // Contract: one reader (the audio thread) and one writer at a time (builds are serialized by
 // the owner's process lock).
