@@ -8,10 +8,9 @@
 namespace dsp {
 namespace {
 
-int powerOfTwoAtLeast(int v) { return static_cast<int>(dsp::powerOfTwoAtLeast(static_cast<size_t>(v))); }
-
-// The multiply-accumulate works on runs of four bins.
-constexpr int kMinHalf = 4;
+// M for blocks of `length` samples: the power of two ≥ length, and at least 4, because the
+// multiply-accumulate works on runs of four bins.
+int halfFor(int length) { return std::max(4, static_cast<int>(powerOfTwoAtLeast(static_cast<size_t>(length)))); }
 
 int ceilDiv(int a, int b) { return (a + b - 1) / b; }
 
@@ -34,7 +33,7 @@ PartitionPlan PartitionPlan::uniform(int frameSize, int hop) {
     PartitionPlan plan;
     plan.frameSize = frameSize;
     plan.hop = std::clamp(hop, 1, frameSize);
-    plan.headHalf = std::max(kMinHalf, powerOfTwoAtLeast(plan.hop));
+    plan.headHalf = halfFor(plan.hop);
     plan.headCount = ceilDiv(frameSize, plan.hop);
     return plan;
 }
@@ -47,7 +46,7 @@ PartitionPlan PartitionPlan::forFrame(int frameSize, int hop) {
     double bestCost = costPerSample(h, best.headHalf, best.headCount);
     for (int k = 2; static_cast<long>(k) * h <= frameSize / 2; k *= 2) {
         const int length = k * h;
-        const int half = std::max(kMinHalf, powerOfTwoAtLeast(length));
+        const int half = halfFor(length);
         if (half > kMaxFftSize) break;
         const int tailCount = ceilDiv(frameSize - length, length);
         const double cost = costPerSample(h, best.headHalf, k) + costPerSample(length, half, tailCount);
