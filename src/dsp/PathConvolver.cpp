@@ -40,7 +40,7 @@ void PathConvolver::clear() {
     for (Side& s : sides_) {
         s.input.clear(plan_.hop);
         s.tailFrame.clear(plan_.tailPartitionDoubles());
-        s.ring.clear();
+        if (plan_.hasTail()) s.ring.clear();  // only the tail uses it; a new plan clears again
         s.output.clear(plan_.hop);
         s.overlap.clear(plan_.hop);
     }
