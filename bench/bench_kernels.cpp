@@ -1,9 +1,11 @@
 // Cost of one kernel build at each frame size, and where it goes.
 //
-//   build/F/N            buildKernels as a band change calls it: LinPhase on, curves measured
+//   build/F/N            buildKernels as a band change calls it: LinPhase on, curves measured,
+//                        kernels cut for a hop of 512
 //   build/F_no_curves/N  the same without the display curves
 //   cascade/N            the impulse responses of both sides' eight sections (N/2 + 1 samples)
-//   transforms/F/N       the six transforms of size N with their scales and multiplies
+//   transforms/F/N       per side the two transforms of N samples of the autocorrelation, and
+//                        the cut into partitions for a hop of 512
 //   display/F/N          measuring both sides' curves (two 65536-sample transforms and the
 //                        interpolation of 453 points each)
 // The rest of a build is clearing and copying buffers, the window and the publication.
@@ -16,6 +18,7 @@
 #include "dsp/Fft.h"
 #include "dsp/KernelDesigner.h"
 #include "dsp/KernelDisplay.h"
+#include "dsp/PartitionSpectra.h"
 #include "platform/TimedLock.h"
 
 namespace {
@@ -29,6 +32,9 @@ BiquadCoefficients peaking(double f0, double gainDb, double q, double rate) {
     const double a0 = 1 + alpha / A;
     return {(1 + alpha * A) / a0, -2 * std::cos(w) / a0, (1 - alpha * A) / a0, -2 * std::cos(w) / a0, (1 - alpha / A) / a0};
 }
+
+// The hop of host blocks of 512 at 48 kHz: the kernels are cut into partitions for it.
+constexpr int kHop = 512;
 
 // Eight active bands per side, as a busy preset has them.
 struct BusyBands {
@@ -47,7 +53,7 @@ void build(benchmark::State& state, FftFamily family, bool curves) {
     dsp::KernelDesigner designer(family);
     dsp::KernelCurves measured;
     for (auto _ : state) {
-        designer.buildKernels(bands.s, n, 48000.0, true, processLock, curves ? &measured : nullptr);
+        designer.buildKernels(bands.s, {n, kHop}, 48000.0, true, processLock, curves ? &measured : nullptr);
         benchmark::ClobberMemory();
     }
 }
@@ -55,9 +61,9 @@ void build(benchmark::State& state, FftFamily family, bool curves) {
 void cascade(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const BusyBands bands;
-    AlignedBuffer a(2 * n), b(2 * n), reversed(2 * n);
+    AlignedBuffer a(2 * n), b(2 * n);
     for (auto _ : state) {
-        dsp::cascadeImpulseResponses(bands.s, n / 2, a.data(), b.data(), reversed.data());
+        dsp::cascadeImpulseResponses(bands.s, n / 2, a.data(), b.data());
         benchmark::ClobberMemory();
     }
 }
@@ -66,19 +72,14 @@ void transforms(benchmark::State& state, FftFamily family) {
     if (!dsp::fftFamilyUsable(family)) return state.SkipWithError("not usable on this processor");
     const int n = static_cast<int>(state.range(0));
     const dsp::Fft fft(family);
-    AlignedBuffer kernel(2 * n), work(2 * n);
+    const dsp::PartitionPlan plan = dsp::PartitionPlan::forFrame(n, kHop);
+    AlignedBuffer kernel(2 * n), spectra(plan.spectrumDoubles());
     for (auto _ : state) {
         for (int side = 0; side < 2; ++side) {
-            kernel[0] = work[n] = 1.0;
-            fft.forward(work.data(), n);
-            fft.scale(work.data(), n);
-            fft.forward(kernel.data(), n);
-            fft.multiply(kernel.data(), work.data(), n);
-            fft.inverse(kernel.data(), n);
-        }
-        for (int side = 0; side < 2; ++side) {
-            fft.forward(kernel.data(), n);
-            fft.scale(kernel.data(), n);
+            kernel[0] = 1.0;
+            fft.forwardAny(kernel.data(), n / 2);
+            fft.inverseAny(kernel.data(), n / 2);
+            dsp::partitionKernel(kernel.data(), plan, fft, spectra.data());
         }
         benchmark::ClobberMemory();
     }

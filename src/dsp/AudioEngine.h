@@ -31,8 +31,8 @@
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
 // no locks), and through the two lock-free hand-overs (audition sections, peak holds). The
-// owner's kernel multiply (PathConvolutionOps) reads published kernels without a lock, so the
-// audio thread never waits. Nothing here allocates after construction.
+// owner's kernel source (PathConvolutionOps) hands over published kernels without a lock, so
+// the audio thread never waits. Nothing here allocates after construction.
 
 #include <algorithm>
 #include <atomic>
@@ -190,7 +190,7 @@ private:
 
     // The linear-phase equalizer at the internal rate, one sample of each side.
     template <class P>
-    P equalize(P x, PathConvolutionOps& ops) {
+    [[gnu::always_inline]] P equalize(P x, PathConvolutionOps& ops) {
         // The convolver returns each side through memory. The two values are kept apart there,
         // so that the pair is rebuilt from two loads: one 16-byte load of two 8-byte stores
         // cannot be forwarded from the store buffer and would stall every sample.

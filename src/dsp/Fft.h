@@ -31,6 +31,9 @@ struct FftRoutines {
     Transform inverse[kFftSizeCount];
     Transform scale[kFftSizeCount];
     Multiply multiply[kFftSizeCount];
+    // For every power-of-two M (anyFftSizeIndex()), the same transforms of 2M samples.
+    Transform forwardAny[kAnyFftSizeCount];
+    Transform inverseAny[kAnyFftSizeCount];
 };
 
 const FftRoutines& fftRoutines(FftFamily family);
@@ -59,6 +62,15 @@ public:
     }
     void multiply(double* data, const double* kernel, int n) const {
         if (const int i = fftSizeIndex(n); i >= 0) routines_->multiply[i](data, kernel);
+    }
+
+    // The transforms of 2m samples for any power of two m up to kMaxFftSize (the partitions of
+    // the partitioned convolution); any other m does nothing.
+    void forwardAny(double* buffer, int m) const {
+        if (const int i = anyFftSizeIndex(m); i >= 0) routines_->forwardAny[i](buffer);
+    }
+    void inverseAny(double* buffer, int m) const {
+        if (const int i = anyFftSizeIndex(m); i >= 0) routines_->inverseAny[i](buffer);
     }
 
 private:

@@ -29,6 +29,12 @@ struct FamilyRoutines {
         {inverse<4096>, inverse<8192>, inverse<16384>, inverse<32768>},
         {scale<4096>, scale<8192>, scale<16384>, scale<32768>},
         {multiply<4096>, multiply<8192>, multiply<16384>, multiply<32768>},
+        {forward<1>, forward<2>, forward<4>, forward<8>, forward<16>, forward<32>, forward<64>, forward<128>,
+         forward<256>, forward<512>, forward<1024>, forward<2048>, forward<4096>, forward<8192>, forward<16384>,
+         forward<32768>},
+        {inverse<1>, inverse<2>, inverse<4>, inverse<8>, inverse<16>, inverse<32>, inverse<64>, inverse<128>,
+         inverse<256>, inverse<512>, inverse<1024>, inverse<2048>, inverse<4096>, inverse<8192>, inverse<16384>,
+         inverse<32768>},
     };
 };
 

@@ -27,6 +27,16 @@ constexpr int fftSizeIndex(int n) {
     }
 }
 
+// The partitioned convolution's transforms: 2M real samples for any power of two
+// M = 1 .. kMaxFftSize, in the same layout. Index 0..15 is log2 M, −1 any other value.
+inline constexpr int kAnyFftSizeCount = 16;
+constexpr int anyFftSizeIndex(int m) {
+    if (m < 1 || m > kMaxFftSize || (m & (m - 1)) != 0) return -1;
+    int index = 0;
+    while ((1 << index) < m) ++index;
+    return index;
+}
+
 // Entry of sample t (0 ≤ t < 2N) in the half-interleaved layout.
 constexpr int sampleEntry(int n, int t) { return t < n ? 2 * t : 2 * (t - n) + 1; }
 

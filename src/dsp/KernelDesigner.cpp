@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include <emmintrin.h>
+
+#include "dsp/PartitionSpectra.h"
+#include "dsp/SpectrumMac.h"
+
 namespace dsp {
 namespace {
 
@@ -12,33 +17,23 @@ constexpr double kHammingSwing = 0.46;
 // ends in exact zeros instead of denormals.
 constexpr double kDenormalGuard = 1e-18;
 
-struct SectionState {
-    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
-};
-
-inline double runSection(const BiquadCoefficients& c, SectionState& s, double x) {
-    double y = c.b0 * x + c.b1 * s.x1 + c.b2 * s.x2 - c.a1 * s.y1 - c.a2 * s.y2;
-    y = (y + kDenormalGuard) - kDenormalGuard;
-    s.x2 = s.x1;
-    s.x1 = x;
-    s.y2 = s.y1;
-    s.y1 = y;
-    return y;
-}
-
 }  // namespace
 
 KernelDesigner::KernelDesigner(FftFamily family)
     : fft_(family),
       sets_(kMaxFrameSize),
       work_(2 * kMaxFrameSize),
+      workB_(2 * kMaxFrameSize),
+      taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
+      multiplyScratch_(2 * kMaxFrameSize),
       window_(kMaxFrameSize / 2),
       displayScratch_(KernelDisplay::kScratchDoubles) {}
 
-KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize,
+KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame,
                                          double designRate, bool linPhase, platform::TimedLock& processLock,
                                          KernelCurves* curves, int lockWaitMs) {
-    if (fftSizeIndex(frameSize) < 0) return KernelBuild::Refused;
+    if (fftSizeIndex(frame.frameSize) < 0) return KernelBuild::Refused;
+    const PartitionPlan plan = PartitionPlan::forFrame(frame.frameSize, frame.hop);
 
     platform::TimedLock::Guard process(processLock, lockWaitMs);
     if (!process) {
@@ -49,80 +44,115 @@ KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kB
     pending_.store(false, std::memory_order_release);
 
     const bool measure = linPhase && curves != nullptr;
-    buildInto(sets_.back(), sections, frameSize, designRate, linPhase, measure);
+    buildInto(sets_.back(), sections, plan, designRate, linPhase, measure);
     sets_.publish();
     if (measure) *curves = measured_;
     return linPhase ? KernelBuild::Built : KernelBuild::Cleared;
 }
 
-void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n,
-                               double designRate, bool linPhase, bool measureCurves) {
-    const size_t entries = 2 * static_cast<size_t>(n);
-    double* kernel[kSides] = {set.spectrum(0), set.spectrum(1)};
-    for (double* k : kernel) std::fill(k, k + entries, 0.0);
-    set.setFrameSize(n);
+void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots],
+                               const PartitionPlan& plan, double designRate, bool linPhase, bool measureCurves) {
+    const int n = plan.frameSize;
+    set.setPlan(plan);
+    if (!linPhase) {
+        for (int side = 0; side < kSides; ++side) std::fill(set.spectrum(side), set.spectrum(side) + plan.spectrumDoubles(), 0.0);
+        return;
+    }
+    // Each side's response h into the work buffers, its windowed autocorrelation into the taps.
+    double* response[kSides] = {work_.data(), workB_.data()};
+    for (double* r : response) std::fill(r, r + n + 1, 0.0);  // all that the response and its correlation use
+    cascadeImpulseResponses(sections, n / 2, response[0], response[1]);
+    useWindowFor(n);
+    double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
+    for (int side = 0; side < kSides; ++side) {
+        autocorrelate(response[side], n);
+        windowInto(kernel[side], response[side], n);
+    }
+    if (measureCurves)
+        for (int side = 0; side < kSides; ++side)
+            display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
+    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
+}
 
-    if (linPhase) {
-        // Side A's reversed response goes straight into the work buffer; side B's is copied
-        // there once side A is done with it.
-        std::fill(work_.data(), work_.data() + entries, 0.0);
-        const int half = n / 2;
-        cascadeImpulseResponses(sections, half, kernel[0], kernel[1], work_.data());
-        autocorrelate(kernel[0], n);
-
-        std::fill(work_.data(), work_.data() + entries, 0.0);
-        for (int k = 0; k <= half; ++k) work_[2 * (half - k)] = kernel[1][2 * k];
-        autocorrelate(kernel[1], n);
-
-        useWindowFor(n);
-        for (double* k : kernel) applyWindow(k, n);
-        if (measureCurves)
-            for (int side = 0; side < kSides; ++side)
-                display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
-        for (double* k : kernel) {
-            fft_.forward(k, n);
-            fft_.scale(k, n);
+// A wavefront: at step k, band j of both sides (one register, side A low, side B high) takes
+// sample k − j, the output band j − 1 gave at the step before. The eight bands of a step are
+// independent, so the processor overlaps their recursions; each band still computes exactly
+// what it computes sample by sample in series.
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB) {
+    struct Band {
+        __m128d b0, b1, b2, a1, a2;
+        __m128d x1 = _mm_setzero_pd(), x2 = _mm_setzero_pd(), y1 = _mm_setzero_pd(), y2 = _mm_setzero_pd();
+    } band[kBandsPerSide];
+    for (int j = 0; j < kBandsPerSide; ++j) {
+        const BiquadCoefficients& a = sections[j];
+        const BiquadCoefficients& b = sections[kBandsPerSide + j];
+        band[j].b0 = _mm_set_pd(b.b0, a.b0);
+        band[j].b1 = _mm_set_pd(b.b1, a.b1);
+        band[j].b2 = _mm_set_pd(b.b2, a.b2);
+        band[j].a1 = _mm_set_pd(b.a1, a.a1);
+        band[j].a2 = _mm_set_pd(b.a2, a.a2);
+    }
+    const __m128d guard = _mm_set1_pd(kDenormalGuard);
+    const int last = kBandsPerSide - 1;
+    for (int k = 0; k <= half + last; ++k) {
+        for (int j = last; j >= 0; --j) {
+            Band& s = band[j];
+            const __m128d x = j > 0 ? band[j - 1].y1 : _mm_set1_pd(k == 0 ? 1.0 : 0.0);
+            __m128d y = _mm_add_pd(_mm_mul_pd(s.b0, x), _mm_mul_pd(s.b1, s.x1));
+            y = _mm_add_pd(y, _mm_mul_pd(s.b2, s.x2));
+            y = _mm_sub_pd(y, _mm_mul_pd(s.a1, s.y1));
+            y = _mm_sub_pd(y, _mm_mul_pd(s.a2, s.y2));
+            y = _mm_sub_pd(_mm_add_pd(y, guard), guard);
+            s.x2 = s.x1;
+            s.x1 = x;
+            s.y2 = s.y1;
+            s.y1 = y;
+        }
+        if (const int t = k - last; t >= 0) {
+            _mm_storel_pd(sideA + 2 * t, band[last].y1);
+            _mm_storeh_pd(sideB + 2 * t, band[last].y1);
         }
     }
 }
 
-void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
-                             double* sideAReversed) {
-    SectionState state[kBandSlots] = {};
-    for (int k = 0; k <= half; ++k) {
-        double a = k == 0 ? 1.0 : 0.0;
-        double b = a;
-        for (int band = 0; band < kBandsPerSide; ++band) {
-            a = runSection(sections[band], state[band], a);
-            b = runSection(sections[kBandsPerSide + band], state[kBandsPerSide + band], b);
-        }
-        sideA[2 * k] = a;
-        sideB[2 * k] = b;
-        sideAReversed[2 * (half - k)] = a;
+// h (N/2 + 1 samples at entries 2k) ← its circular autocorrelation over N samples, the inverse
+// transform of |H|², at the entries of the layout of N samples (sampleEntry(N/2, t)). The lags
+// reach ±N/2 only, so the one pair that meets when N samples wrap round is the last lag: N/2
+// and −N/2, equal, fall on the same sample, which therefore holds twice r[N/2].
+void KernelDesigner::autocorrelate(double* h, int n) {
+    const int m = n / 2;
+    h[1] = h[2 * m];  // sample N/2 into its place among N samples
+    h[2 * m] = 0.0;
+    fft_.forwardAny(h, m);
+    h[0] *= h[0];
+    h[1] *= h[1];
+    for (int e = 2; e < 2 * m; e += 2) {
+        h[e] = h[e] * h[e] + h[e + 1] * h[e + 1];
+        h[e + 1] = 0.0;
     }
+    const double dc = 1.0 / (2.0 * m), bins = 1.0 / m;
+    h[0] *= dc;
+    h[1] *= dc;
+    for (int e = 2; e < 2 * m; e += 2) h[e] *= bins;
+    fft_.inverseAny(h, m);
 }
 
-// kernel (h forwards) ← h correlated with the work buffer's h reversed: c[n], n = 0..N, peak
-// at N/2. N + 1 samples fit the 2N-sample circular product without wrapping round.
-void KernelDesigner::autocorrelate(double* kernel, int n) {
-    double* reversed = work_.data();
-    fft_.forward(reversed, n);
-    fft_.scale(reversed, n);
-    fft_.forward(kernel, n);
-    fft_.multiply(kernel, reversed, n);
-    fft_.inverse(kernel, n);
-}
-
-// Samples 0..N/2 − 1 take the rising half of the window and are mirrored onto N..N/2 + 1
-// (which also makes the taps exactly symmetric); sample N/2 keeps weight 1. Whatever rounding
-// left in samples N + 1..2N − 1 is cleared: the kernel is exactly its N + 1 taps.
-void KernelDesigner::applyWindow(double* kernel, int n) {
+// The kernel g[n] = r[|n − N/2|]·w(n), n = 0..N, centred on the autocorrelation's peak: the
+// rising half of the window on samples 0..N/2 − 1, mirrored onto N..N/2 + 1 (so the taps are
+// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero.
+void KernelDesigner::windowInto(double* kernel, const double* r, int n) {
     const double* w = window_.data();
     const int half = n / 2;
-    for (int k = 0; k < half; ++k) kernel[2 * k] *= w[k];
-    for (int k = 1; k < half; ++k) kernel[2 * (n - k)] = kernel[2 * k];
-    kernel[1] = kernel[0];
-    for (int t = 1; t < n; ++t) kernel[2 * t + 1] = 0.0;
+    std::fill(kernel, kernel + 2 * static_cast<size_t>(n), 0.0);
+    kernel[2 * half] = r[0];
+    const double edge = r[1] / 2.0 * w[0];  // lag N/2, counted twice (see autocorrelate)
+    kernel[0] = edge;
+    kernel[1] = edge;
+    for (int k = 1; k < half; ++k) {
+        const double g = r[2 * (half - k)] * w[k];
+        kernel[2 * k] = g;
+        kernel[2 * (n - k)] = g;
+    }
 }
 
 void KernelDesigner::useWindowFor(int n) {
@@ -134,9 +164,17 @@ void KernelDesigner::useWindowFor(int n) {
 
 bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameSize) {
     const KernelSet& set = sets_.acquire();
-    if (set.frameSize() != frameSize) return false;
-    fft_.multiply(frameA, set.spectrum(0), frameSize);
-    fft_.multiply(frameB, set.spectrum(1), frameSize);
+    if (set.frameSize() != frameSize || set.plan().headCount != 1) return false;
+    const SpectrumMac mac = spectrumMac(preferredMacFamily());
+    double* frames[kSides] = {frameA, frameB};
+    for (int side = 0; side < kSides; ++side) {
+        double* spectrum = multiplyScratch_.data();
+        std::copy(frames[side], frames[side] + 2 * frameSize, spectrum);
+        std::fill(frames[side], frames[side] + 2 * frameSize, 0.0);
+        swapMacLayout(spectrum, frameSize);
+        macSpectrum(mac, frames[side], spectrum, set.spectrum(side), frameSize);
+        swapMacLayout(frames[side], frameSize);
+    }
     return true;
 }
 

@@ -8,15 +8,16 @@
 // autocorrelation is shaped by a Hamming window centred on its peak:
 //   g[n] = c[n]·(0.54 − 0.46·cos(2πn/N)),  c[n] = Σ_k h[k]·h[k + n − N/2],  n = 0..N,
 // N + 1 taps, symmetric about N/2, so the filter delays by exactly N/2 samples. The
-// correlation runs as a product of spectra: h forwards in one buffer, h reversed in the work
-// buffer, both transformed, multiplied, transformed back. The kernel is then transformed and
-// scaled once more (its "kernel spectrum"), so that the audio path's convolution of a frame
-// is forward, multiply, inverse.
+// correlation is the inverse transform of |H|² over N samples (one transform each way per
+// side; of its lags only ±N/2 meet, and they are equal). The kernel
+// is then cut into the partitions the audio path's convolution uses (PartitionPlan.h), each
+// transformed and scaled: the kernel spectra.
 //
 // Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
 // sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
-// one the audio thread holds; the work buffer; the Hamming half window (recomputed when N
-// changes); the 65536-double scratch of the display transform.
+// one the audio thread holds; the time-domain kernels and the two sides' work buffers; the
+// Hamming half window (recomputed when N changes); the 65536-double scratch of the display
+// transform.
 //
 // Threads. buildKernels() takes the owner's process lock for the whole build: two builds
 // never overlap, and the sets, work buffers, window and scratch that a build touches are only
@@ -32,20 +33,30 @@
 #include "dsp/Fft.h"
 #include "dsp/KernelDisplay.h"
 #include "dsp/KernelSetExchange.h"
+#include "dsp/PartitionPlan.h"
 #include "platform/TimedLock.h"
 
 namespace dsp {
 
 // The responses of both sides' cascades (slots 0..7 side A, 8..15 side B, band 1 first) to a
 // unit impulse, samples k = 0..half: sample k goes to entry 2k of sideA and sideB (the
-// half-interleaved layout) and to entry 2(half − k) of sideAReversed. The two sides run side
-// by side: their recursions are independent, so the processor overlaps them.
-void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB,
-                             double* sideAReversed);
+// half-interleaved layout). The two sides run side by side: their recursions are
+// independent, so the processor overlaps them.
+void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB);
 
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
     Curve side[kSides];
+};
+
+// The frame the kernels are built for: N, and the hop in which the convolution takes its input
+// (the partitions follow from both, PartitionPlan::forFrame). N alone means a hop of N: one
+// partition, the spectrum of the whole kernel.
+struct KernelFrame {
+    KernelFrame(int n) : frameSize(n), hop(n) {}  // NOLINT: a bare N is the one-partition frame
+    KernelFrame(int n, int h) : frameSize(n), hop(h) {}
+    int frameSize;
+    int hop;
 };
 
 enum class KernelBuild {
@@ -68,9 +79,9 @@ public:
 
     // Builds both sides' kernels from the sections (slots 0..7 side A, 8..15 side B, band 1
     // first), for frame size N (4096, 8192, 16384 or 32768; any other N builds nothing) at
-    // designRate, and publishes them. `curves`, when given, receives the measured totals
+    // designRate, cuts them into the partitions of the frame's hop, and publishes them. `curves`, when given, receives the measured totals
     // (only when the result is Built with linPhase on). lockWaitMs bounds the process-lock wait.
-    KernelBuild buildKernels(const BiquadCoefficients (&sections)[kBandSlots], int frameSize, double designRate,
+    KernelBuild buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame, double designRate,
                              bool linPhase, platform::TimedLock& processLock, KernelCurves* curves = nullptr,
                              int lockWaitMs = platform::TimedLock::kDefaultWaitMs);
 
@@ -82,21 +93,21 @@ public:
     int activeFrameSize() const { return sets_.newestFrameSize(); }
 
     // ---- The audio thread's side -------------------------------------------------------------
-    // Takes the newest published set (once per hop) and multiplies each side's frame by that
-    // side's spectrum. False (frames untouched) when that set is not of this frame size: before
-    // the first build, or for the blocks that still run at the previous N after a
-    // reconfiguration, until the kernels for the new N are published.
-    bool multiplyByNewest(double* frameA, double* frameB, int frameSize);
     // The newest complete set, held until the next call (the reader's side of the exchange).
     const KernelSet& acquireNewest() { return sets_.acquire(); }
+    bool newerWaiting() const { return sets_.newerWaiting(); }
+    // Takes the newest set and multiplies each side's frame of 2N entries by that side's
+    // whole-kernel spectrum. False (frames untouched) unless that set is one partition of
+    // this frame size (built for a hop of N).
+    bool multiplyByNewest(double* frameA, double* frameB, int frameSize);
 
     const Fft& fft() const { return fft_; }
 
 private:
-    void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], int n, double designRate,
-                   bool linPhase, bool measureCurves);
-    void autocorrelate(double* kernel, int n);
-    void applyWindow(double* kernel, int n);
+    void buildInto(KernelSet& set, const BiquadCoefficients (&sections)[kBandSlots], const PartitionPlan& plan,
+                   double designRate, bool linPhase, bool measureCurves);
+    void autocorrelate(double* h, int n);
+    void windowInto(double* kernel, const double* r, int n);
     void useWindowFor(int n);
 
     Fft fft_;
@@ -104,6 +115,9 @@ private:
 
     KernelSetExchange sets_;
     AlignedBuffer work_;
+    AlignedBuffer workB_;
+    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
+    AlignedBuffer multiplyScratch_;  // the reader's, for multiplyByNewest()
     AlignedBuffer window_;
     AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for

@@ -14,10 +14,12 @@
 //
 // The audio thread acquires once per hop, before it multiplies either side, and holds that set
 // until its next acquire: both sides of a block use one build, and the set stays valid for the
-// whole hop. That is also what a partitioned convolution needs: each completed input block is
-// multiplied with every partition of the set held at that hop and its products accumulated into
-// the outputs they will reach, so no set is needed beyond the hop that acquired it and three
-// sets remain enough however many partitions a set holds.
+// whole hop. The partitioned convolution multiplies each input block with the partitions of
+// the set held when the block completed. It keeps the blocks' spectra and sums their products
+// while the set stays the same; before it acquires a newer one (it asks newerWaiting() first)
+// it settles every kept block, and the tail's partly gathered block, with the set it still
+// holds, adding the products to the outputs they will reach. So no set is needed beyond the
+// hops that held it, and three sets remain enough however many partitions a set holds.
 //
 // Contract: one reader (the audio thread) and one writer at a time (builds are serialized by
 // the owner's process lock).
@@ -27,25 +29,34 @@
 
 #include "dsp/AlignedBuffer.h"
 #include "dsp/EqTypes.h"
+#include "dsp/PartitionPlan.h"
 
 namespace dsp {
 
-// One build's kernel spectra, both sides for one frame size.
+// One build's kernel spectra, both sides, cut into the partitions of one plan
+// (PartitionPlan.h): each side's head partitions one after another, then its tail partitions,
+// each a packed spectrum scaled for the inverse transform.
 class KernelSet {
 public:
     explicit KernelSet(int maxFrameSize)
-        : spectra_{AlignedBuffer(2 * static_cast<size_t>(maxFrameSize)),
-                   AlignedBuffer(2 * static_cast<size_t>(maxFrameSize))} {}
+        : spectra_{AlignedBuffer(PartitionPlan::maxSpectrumDoubles(maxFrameSize)),
+                   AlignedBuffer(PartitionPlan::maxSpectrumDoubles(maxFrameSize))} {}
 
-    // N the spectra were built for; 0 until a build has filled the set.
-    int frameSize() const { return frameSize_; }
-    void setFrameSize(int n) { frameSize_ = n; }
-    // Packed spectrum of 2N doubles, scaled for the inverse transform.
+    // The plan the spectra were built for; frame size 0 until a build has filled the set.
+    const PartitionPlan& plan() const { return plan_; }
+    void setPlan(const PartitionPlan& plan) { plan_ = plan; }
+    int frameSize() const { return plan_.frameSize; }
+    // All of one side's partitions; with a single partition (hop N) the packed spectrum of the
+    // whole kernel, 2N doubles.
     double* spectrum(int side) { return spectra_[side].data(); }
     const double* spectrum(int side) const { return spectra_[side].data(); }
+    const double* headPartition(int side, int p) const { return spectrum(side) + p * plan_.headPartitionDoubles(); }
+    const double* tailPartition(int side, int q) const {
+        return spectrum(side) + plan_.headDoubles() + q * plan_.tailPartitionDoubles();
+    }
 
 private:
-    int frameSize_ = 0;
+    PartitionPlan plan_;
     AlignedBuffer spectra_[kSides];
 };
 
@@ -67,6 +78,9 @@ public:
     // Frame size of the newest published set (any thread; 0 before the first).
     int newestFrameSize() const { return newestFrameSize_.load(std::memory_order_relaxed); }
 
+    // Reader: whether a set newer than the one held is waiting. Only acquire() clears this, so
+    // once true it stays true until the reader takes the set.
+    bool newerWaiting() const { return middle_.load(std::memory_order_relaxed) & kFresh; }
     // Reader: the newest complete set, unchanged until the next acquire().
     const KernelSet& acquire() {
         if (middle_.load(std::memory_order_relaxed) & kFresh) {

@@ -2,73 +2,166 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace dsp {
-namespace {
-
-double* allocateAligned(size_t count) {
-    constexpr size_t kAlignment = 64;
-    const size_t bytes = (count * sizeof(double) + kAlignment - 1) / kAlignment * kAlignment;
-    auto* p = static_cast<double*>(std::aligned_alloc(kAlignment, bytes));
-    if (!p) throw std::bad_alloc();
-    std::fill(p, p + count, 0.0);
-    return p;
-}
-
-}  // namespace
-
-PathConvolver::PathConvolver(int maxFrameSize) : maxN_(maxFrameSize) {
-    for (int side = 0; side < 2; ++side) {
-        frame_[side].reset(allocateAligned(2 * static_cast<size_t>(maxN_)));
-        overlap_[side].assign(maxN_, 0.0);
-        output_[side].assign(maxN_, 0.0);
+// The ring holds the tail's output from the current hop to the end of the latest tail output:
+// at most H + 2·M2 ≤ 3N samples ahead.
+PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
+    : maxN_(maxFrameSize),
+      fft_(fft),
+      mac_(spectrumMac(mac)),
+      head_(PartitionPlan::maxSpectrumDoubles(maxFrameSize)),
+      tail_(PartitionPlan::maxSpectrumDoubles(maxFrameSize)),
+      work_(2 * static_cast<size_t>(maxFrameSize)),
+      ringMask_(powerOfTwoAtLeast(4 * static_cast<size_t>(maxFrameSize)) - 1) {
+    for (int side = 0; side < kSides; ++side) {
+        Side& s = sides_[side];
+        s.input = AlignedBuffer(maxN_);
+        s.tailFrame = AlignedBuffer(2 * static_cast<size_t>(maxN_));
+        s.ring = AlignedBuffer(ringMask_ + 1);
+        s.output = AlignedBuffer(maxN_);
+        s.overlap = AlignedBuffer(maxN_);
+        input_[side] = s.input.data();
+        output_[side] = s.output.data();
     }
     configure(std::min(4096, maxN_), std::min(4096, maxN_));
 }
 
 void PathConvolver::configure(int frameSize, int hop) {
-    n_ = std::clamp(frameSize, 1, maxN_);
-    hop_ = std::clamp(hop, 1, n_);
+    const int n = std::clamp(frameSize, 1, maxN_);
+    plan_ = PartitionPlan::forFrame(n, std::clamp(hop, 1, n));
+    head_.configure(plan_.headHalf, plan_.headCount);
+    tail_.configure(std::max(plan_.tailHalf, 4), plan_.tailCount);
+    held_ = nullptr;
     clear();
 }
 
 void PathConvolver::clear() {
-    for (int side = 0; side < 2; ++side) {
-        std::fill(frame_[side].get(), frame_[side].get() + 2 * static_cast<size_t>(maxN_), 0.0);
-        std::fill(overlap_[side].begin(), overlap_[side].end(), 0.0);
-        std::fill(output_[side].begin(), output_[side].end(), 0.0);
+    for (Side& s : sides_) {
+        s.input.clear(plan_.hop);
+        s.tailFrame.clear(plan_.tailPartitionDoubles());
+        if (plan_.hasTail()) s.ring.clear();  // only the tail uses it; a new plan clears again
+        s.output.clear(plan_.hop);
+        s.overlap.clear(plan_.hop);
     }
+    head_.clear();
+    tail_.clear();
+    fill_ = 0;
+    tailGathered_ = 0;
+    blockStart_ = 0;
+    read_ = 0;  // until the first block completes, the silence before the input began
+}
+
+void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
+    if (!held_ || ops.newerKernelsWaiting()) {
+        if (held_) settleHeldSet();
+        held_ = &ops.takeNewestKernels();
+    }
+    const bool usable = held_->plan() == plan_;
+    if (!usable) ++silenced_;
+
+    const int h = plan_.hop;
+    for (int side = 0; side < kSides; ++side) {
+        if (plan_.hasTail()) {
+            double* frame = sides_[side].tailFrame.data() + 2 * static_cast<size_t>(tailGathered_) * h;
+            for (int t = 0; t < h; ++t) frame[2 * t] = input_[side][t];
+        }
+        headBlock(side, usable);
+    }
+    head_.advance();
+
+    if (plan_.hasTail()) {
+        if (++tailGathered_ == plan_.tailHops) {
+            for (int side = 0; side < kSides; ++side) tailBlock(side, usable);
+            tail_.advance();
+            tailGathered_ = 0;
+        }
+        for (int side = 0; side < kSides; ++side) addTailOutput(side);
+    }
+    blockStart_ += static_cast<size_t>(h);
     fill_ = 0;
     read_ = 0;
 }
 
-void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
-    const int entries = 2 * n_;
-    double* frame[2] = {frame_[0].get(), frame_[1].get()};
-    for (double* f : frame) {
-        std::fill(f + fill_, f + entries, 0.0);
-        ops.forward(f, n_);
+void PathConvolver::settleHeldSet() {
+    const bool usable = held_->plan() == plan_;
+    for (int side = 0; side < kSides; ++side) {
+        head_.catchUp(side, nullptr, headKernels(side), usable, fft_, mac_);
+        if (!plan_.hasTail()) continue;
+        // The tail's blocks gathered so far belong to the set held until now.
+        double* frame = sides_[side].tailFrame.data();
+        tail_.catchUp(side, tailGathered_ > 0 ? frame : nullptr, tailKernels(side), usable, fft_, mac_);
+        std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
     }
-    if (ops.multiplyByKernels(frame[0], frame[1], n_)) {
-        for (double* f : frame) ops.inverse(f, n_);
-    } else {
-        // Without kernels of this size the block cannot be filtered; it contributes silence
-        // rather than an unfiltered (and unscaled) spectrum.
-        for (double* f : frame) std::fill(f, f + entries, 0.0);
-        ++silenced_;
-    }
+    head_.changed();
+    tail_.changed();
+}
 
-    for (int side = 0; side < 2; ++side) {
-        double* overlap = overlap_[side].data();
-        double* output = output_[side].data();
-        for (int t = 0; t < hop_; ++t) output[t] = frameSample(side, t) + overlap[t];
-        std::memmove(overlap, overlap + hop_, static_cast<size_t>(n_ - hop_) * sizeof(double));
-        std::fill(overlap + (n_ - hop_), overlap + n_, 0.0);
-        for (int j = 0; j < n_; ++j) overlap[j] += frameSample(side, hop_ + j);
+// The block through the head partitions: the first H samples of its output complete this
+// hop's output with what earlier blocks left; samples H..2H − 1 are left for the next hop.
+void PathConvolver::headBlock(int side, bool usable) {
+    const int h = plan_.hop, m = plan_.headHalf;
+    double* frame = work_.data();
+    const double* input = input_[side];
+    for (int t = 0; t < h; ++t) {
+        frame[2 * t] = input[t];
+        frame[2 * t + 1] = 0.0;
     }
-    fill_ = 0;
-    read_ = 0;
+    std::fill(frame + 2 * h, frame + 2 * m, 0.0);
+    head_.complete(side, frame, headKernels(side), usable, fft_, mac_);
+
+    const double* current = head_.output(side);
+    double* output = output_[side];
+    double* overlap = sides_[side].overlap.data();
+    if (m == h) {
+        for (int t = 0; t < h; ++t) {
+            output[t] = overlap[t] + current[2 * t];
+            overlap[t] = current[2 * t + 1];
+        }
+    } else {
+        for (int t = 0; t < h; ++t) output[t] = overlap[t] + current[2 * t];
+        for (int t = 0; t < h; ++t) overlap[t] = current[sampleEntry(m, h + t)];
+    }
+}
+
+// The tail block just completed: its output begins one tail length after the block began,
+// with the next hop.
+void PathConvolver::tailBlock(int side, bool usable) {
+    double* frame = sides_[side].tailFrame.data();
+    tail_.complete(side, frame, tailKernels(side), usable, fft_, mac_);
+    std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+    addToRing(side, tail_.output(side), plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+}
+
+// The signal's samples t < half are its even entries, the others its odd entries; each range
+// is added in at most two stretches, split where the ring wraps round.
+void PathConvolver::addToRing(int side, const double* signal, int half, int count, size_t at) {
+    double* ring = sides_[side].ring.data();
+    const auto add = [&](const double* from, int first, int end) {  // from: sample `first`
+        for (int t = first; t < end;) {
+            const size_t start = (at + t) & ringMask_;
+            const int stretch = static_cast<int>(std::min<size_t>(end - t, ringMask_ + 1 - start));
+            const double* in = from + 2 * (t - first);
+            double* to = ring + start;
+            for (int j = 0; j < stretch; ++j) to[j] += in[2 * j];
+            t += stretch;
+        }
+    };
+    add(signal, 0, std::min(count, half));
+    if (count > half) add(signal + 1, half, count);
+}
+
+void PathConvolver::addTailOutput(int side) {
+    double* ring = sides_[side].ring.data();
+    double* output = output_[side];
+    const int h = plan_.hop;
+    for (int t = 0; t < h;) {
+        const size_t start = (blockStart_ + t) & ringMask_;
+        const int stretch = static_cast<int>(std::min<size_t>(h - t, ringMask_ + 1 - start));
+        for (int j = 0; j < stretch; ++j) output[t + j] += ring[start + j];
+        std::fill(ring + start, ring + start + stretch, 0.0);
+        t += stretch;
+    }
 }
 
 }  // namespace dsp

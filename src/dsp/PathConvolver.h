@@ -1,92 +1,123 @@
 #pragma once
-// The linear-phase equalizer of both sides: uniform block convolution of the incoming signal
-// with each side's kernel (N + 1 symmetric taps, centre at N/2) by overlap-add over frames of
-// 2N samples.
+// The linear-phase equalizer of both sides: the incoming signal convolved with each side's
+// kernel (N + 1 symmetric taps, centre at N/2) by partitioned convolution in the frequency
+// domain (the partitions: PartitionPlan.h).
 //
-// Per sample, each side's input is appended to its frame in the half-interleaved layout
-// (sample t at entry 2t, entry 2t + 1 — sample N + t — zero). When a hop of samples has
-// gathered, the rest of the frame is cleared, the frame is transformed, multiplied by the
-// side's kernel spectrum, and transformed back: the linear convolution of the hop with the
-// kernel, hop + N samples, which fits the 2N-sample circular frame without wrapping. Its
-// first hop samples plus the tails of earlier blocks are the next hop of output; its last N
-// samples are added into the overlap. The first output sample of a block leaves with the
-// block's last input sample, so the path delays by hop + N/2 − 1 samples.
+// Input arrives in blocks of one hop H. When a block is complete it is transformed once and
+// convolved with the head partitions (PartitionStage.h); the output spectrum of the block is
+// transformed back and completes the next hop of output. Where the plan has a tail, k blocks
+// are gathered and convolved with the tail partitions in the same way. Each input block is
+// multiplied with the kernel set held when it completed, whatever set later blocks see: when
+// a newer set is taken, the blocks of the old one are settled with it first, the tail's
+// partly gathered block included, and nothing is multiplied again with a newer set.
+//
+// The first output sample of a block leaves with the block's last input sample, so the path
+// delays by H + N/2 − 1 samples, the same for every plan.
 //
 // Buffers are allocated once, for the largest frame; process() allocates nothing, does no I/O
-// and never waits: the owner's multiply reads the newest kernels published to it.
+// and never waits: the owner hands over the newest published kernel set without a lock.
 
-#include <cstdlib>
-#include <memory>
-#include <vector>
+#include <cstddef>
+#include <cstdint>
+
+#include "dsp/AlignedBuffer.h"
+#include "dsp/EqTypes.h"
+#include "dsp/Fft.h"
+#include "dsp/KernelSetExchange.h"
+#include "dsp/PartitionPlan.h"
+#include "dsp/PartitionStage.h"
+#include "dsp/SpectrumMac.h"
 
 namespace dsp {
 
-// What the convolver needs from its owner: the transforms and the multiply by the kernel
-// spectra. Each call names the frame size N the convolver is running with, which may for a
-// block or two still be the previous one after a reconfiguration.
+// Where the convolver takes its kernels from: the reader's side of a KernelSetExchange.
 class PathConvolutionOps {
 public:
     virtual ~PathConvolutionOps() = default;
-    // Half-interleaved time signal of 2N samples → packed spectrum, in place.
-    virtual void forward(double* frame, int frameSize) = 0;
-    // Packed spectrum → half-interleaved time signal, in place.
-    virtual void inverse(double* frame, int frameSize) = 0;
-    // Each side's frame ← frame · that side's kernel spectrum, both from the newest complete
-    // kernel set, taken once per hop. Never waits. False (frames untouched) when that set is
-    // not of this frame size: the hop then contributes silence, and the path keeps its delay.
-    virtual bool multiplyByKernels(double* frameA, double* frameB, int frameSize) = 0;
+    // A set newer than the one last taken is waiting; stays true until it is taken.
+    virtual bool newerKernelsWaiting() = 0;
+    // The newest complete set, unchanged until the next call. A set of another plan than the
+    // convolver's silences the blocks multiplied while it is held; the path keeps its delay.
+    virtual const KernelSet& takeNewestKernels() = 0;
 };
 
 class PathConvolver {
 public:
     static constexpr int kMaxFrameSize = 32768;
 
-    explicit PathConvolver(int maxFrameSize = kMaxFrameSize);
+    explicit PathConvolver(int maxFrameSize = kMaxFrameSize, MacFamily mac = preferredMacFamily(),
+                           FftFamily fft = preferredFftFamily());
+    PathConvolver(const PathConvolver&) = delete;
+    PathConvolver& operator=(const PathConvolver&) = delete;
 
     // Frame size N (a power of two ≤ the maximum) and hop (1..N samples). Clears all state.
     void configure(int frameSize, int hop);
-    int frameSize() const { return n_; }
-    int hop() const { return hop_; }
-    int delay() const { return hop_ + n_ / 2 - 1; }
+    int frameSize() const { return plan_.frameSize; }
+    int hop() const { return plan_.hop; }
+    int delay() const { return plan_.hop + plan_.frameSize / 2 - 1; }
+    // The partitions this convolver expects its kernel sets to be cut into.
+    const PartitionPlan& plan() const { return plan_; }
 
-    // Silence in frames, overlaps and outputs; fill and read positions at 0.
+    // Silence in every buffer; the next sample starts a block.
     void clear();
 
-    // One sample of each side in, one out (the sample hop + N/2 − 1 samples earlier, after
-    // the kernel).
-    void process(double& a, double& b, PathConvolutionOps& ops) {
-        frame_[0][fill_] = a;
-        frame_[0][fill_ + 1] = 0.0;
-        frame_[1][fill_] = b;
-        frame_[1][fill_ + 1] = 0.0;
-        fill_ += 2;
-        if (fill_ == 2 * hop_) convolveBlock(ops);
+    // One sample of each side in, one out (the sample H + N/2 − 1 samples earlier, after the
+    // kernel).
+    [[gnu::always_inline]] void process(double& a, double& b, PathConvolutionOps& ops) {
+        input_[0][fill_] = a;
+        input_[1][fill_] = b;
+        if (++fill_ == plan_.hop) convolveBlock(ops);
         a = output_[0][read_];
         b = output_[1][read_];
         ++read_;
     }
 
-    // How many convolved blocks had to be silenced because the kernel was not available.
+    // How many blocks were silenced because the kernel set held did not fit the plan.
     unsigned long silencedBlocks() const { return silenced_; }
 
 private:
+    struct Side {
+        AlignedBuffer input;      // the block being gathered, H samples
+        AlignedBuffer tailFrame;  // the tail's gathered blocks, 2·M2 entries
+        AlignedBuffer ring;       // the tail's output samples by time, ringMask_ + 1 entries
+        AlignedBuffer output;     // the hop of output being read, H samples
+        AlignedBuffer overlap;    // the head's output for the next hop, H samples
+    };
+
     void convolveBlock(PathConvolutionOps& ops);
-    double frameSample(int side, int t) const {
-        return t < n_ ? frame_[side][2 * t] : frame_[side][2 * (t - n_) + 1];
+    // Before a newer set is taken: every block so far settled with the set held until now.
+    void settleHeldSet();
+    void headBlock(int side, bool usable);
+    void tailBlock(int side, bool usable);
+    // Adds samples 0..count − 1 of a half-interleaved signal of 2·half samples to the ring.
+    void addToRing(int side, const double* signal, int half, int count, size_t at);
+    // The tail's share of this hop's output, leaving the ring silent there.
+    void addTailOutput(int side);
+    PartitionSpectra headKernels(int side) const {
+        return {held_->headPartition(side, 0), plan_.headPartitionDoubles()};
+    }
+    PartitionSpectra tailKernels(int side) const {
+        return {held_->tailPartition(side, 0), plan_.tailPartitionDoubles()};
     }
 
     int maxN_;
-    int n_ = 4096;
-    int hop_ = 4096;
-    int fill_ = 0;  // entries, advances by 2 per sample
-    int read_ = 0;  // samples into output_
+    Fft fft_;
+    SpectrumMac mac_;
+    PartitionPlan plan_;
+    Side sides_[kSides];
+    PartitionStage head_;
+    PartitionStage tail_;
+    AlignedBuffer work_;  // one head transform, 2M entries
+    size_t ringMask_;
+
+    double* input_[kSides];
+    double* output_[kSides];
+    const KernelSet* held_ = nullptr;  // taken at the latest block
+    int fill_ = 0;                     // samples of the block gathered
+    int tailGathered_ = 0;             // blocks of the tail block gathered
+    size_t blockStart_ = 0;            // time of the current block's first sample
+    int read_ = 0;                     // the next output sample of output_
     unsigned long silenced_ = 0;
-    struct FreeAligned {
-        void operator()(double* p) const { std::free(p); }
-    };
-    std::unique_ptr<double[], FreeAligned> frame_[2];  // 2N, 64-byte aligned for the transforms
-    std::vector<double> overlap_[2];  // N
-    std::vector<double> output_[2];   // N (a hop is at most N)
 };
 
 }  // namespace dsp

@@ -1,7 +1,7 @@
 #pragma once
-// What the linear-phase convolution of the audio path needs from the plug-in: the transforms
-// of the kernel designer and the multiply by the newest kernels it has published. Nothing here
-// takes a lock: a kernel build on another thread never holds up the audio thread.
+// Where the linear-phase convolution of the audio path takes its kernels from: the newest set
+// the kernel designer has published. Nothing here takes a lock: a kernel build on another
+// thread never holds up the audio thread.
 
 #include "dsp/KernelDesigner.h"
 #include "dsp/PathConvolver.h"
@@ -10,15 +10,10 @@ class EngineKernelOps final : public dsp::PathConvolutionOps {
 public:
     explicit EngineKernelOps(dsp::KernelDesigner& kernels) : kernels_(kernels) {}
 
-    void forward(double* frame, int frameSize) override { kernels_.fft().forward(frame, frameSize); }
-    void inverse(double* frame, int frameSize) override { kernels_.fft().inverse(frame, frameSize); }
-
-    // False while the newest kernels were built for another frame size (the hops right after a
-    // Resolution or FAT change, until the new ones are published): the convolver then
-    // silences the hop rather than convolve with the wrong spectrum.
-    bool multiplyByKernels(double* frameA, double* frameB, int frameSize) override {
-        return kernels_.multiplyByNewest(frameA, frameB, frameSize);
-    }
+    bool newerKernelsWaiting() override { return kernels_.newerWaiting(); }
+    // A set of another plan (the hops right after a Resolution, FAT or block size change, until
+    // the new one is published) silences those hops rather than convolve with the wrong one.
+    const dsp::KernelSet& takeNewestKernels() override { return kernels_.acquireNewest(); }
 
 private:
     dsp::KernelDesigner& kernels_;

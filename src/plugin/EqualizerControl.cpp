@@ -57,20 +57,34 @@ void EqualizerControl::setSampleRate(float hostRate) {
 }
 
 void EqualizerControl::setBlockSize(int size) {
-    platform::TimedLock::Guard guard(engineLock);
-    if (!guard) return;
-    hostBlock = size;
-    const int frameSize = frame_.load().frameSize;
-    frame_.store({frameSize, partitionForBlock(true, frameSize)});
-    applyFrameToEngine();
-    suspend();
-    owner.blockSizeSet();
+    bool partitionChanged = false;
+    {
+        platform::TimedLock::Guard guard(engineLock);
+        if (!guard) return;
+        hostBlock = size;
+        const EngineFrame before = frame_.load();
+        frame_.store({before.frameSize, partitionForBlock(true, before.frameSize)});
+        partitionChanged = frame_.load().partition != before.partition;
+        applyFrameToEngine();
+        suspend();
+        owner.blockSizeSet();
+    }
+    // The kernels are cut into partitions of the hop: a new hop needs them cut anew.
+    if (partitionChanged && !owner.presetLoading()) {
+        DesignScope design(*this);
+        if (design) refreshCurves();
+    }
 }
 
 // The engine hops by half the partition, at its internal rate.
 void EqualizerControl::applyFrameToEngine() {
     const EngineFrame f = frame_.load();
     engine.setFrame(f.frameSize, f.partition / 2);
+}
+
+dsp::KernelFrame EqualizerControl::kernelFrame() const {
+    const EngineFrame f = frame_.load();
+    return {f.frameSize, f.partition / 2};
 }
 
 // The engine's partition length from the host block size: twice the block at ordinary rates,
@@ -130,7 +144,7 @@ void EqualizerControl::refreshCurves() {
     const bool linPhase = owner.switchStep(kLinPhase) == 1;
     dsp::KernelCurves measured;
     const dsp::KernelBuild build =
-        kernels.buildKernels(sections, frame_.load().frameSize, designRateHz, linPhase, processLock, &measured);
+        kernels.buildKernels(sections, kernelFrame(), designRateHz, linPhase, processLock, &measured);
     if (build == dsp::KernelBuild::Built && linPhase) {
         for (int side = 0; side < dsp::kSides; ++side) bands.setTotalCurve(side, measured.side[side]);
     } else {

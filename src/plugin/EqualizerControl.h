@@ -124,6 +124,8 @@ private:
     void runAudioThreadWork();
     void reconfigureFrame();
     void applyFrameToEngine();
+    // The frame and hop the engine convolves with, which the kernels are built for.
+    dsp::KernelFrame kernelFrame() const;
     int partitionForBlock(bool inclusiveThresholds, int frameSize) const;
 
     EqualizerOwner& owner;

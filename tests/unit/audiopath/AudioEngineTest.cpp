@@ -8,6 +8,7 @@
 
 #include "AudioTestSupport.h"
 #include "dsp/AudioEngine.h"
+#include "support/PublishedKernels.h"
 
 namespace {
 
@@ -20,12 +21,13 @@ using Kind = dsp::AudioPathKind;
 // The engine plus its kernel, run over whole signals in host blocks.
 struct Rig {
     AudioEngine engine;
-    DirectConvolution kernel;
+    testsupport::PublishedKernels kernel{dsp::PathConvolver::kMaxFrameSize};
     AudioBlockSettings settings;
     std::vector<float> analyzer;
 
     explicit Rig(int n = 4096, int hop = 512, int rate = 44100, PathFamily family = dsp::defaultPathFamily())
-        : engine(family), kernel(n) {
+        : engine(family) {
+        kernel.publishCentreTap(dsp::PartitionPlan::forFrame(n, hop));
         engine.setFrame(n, hop);
         engine.setHostRate(rate);
         settings.hostRate = rate;

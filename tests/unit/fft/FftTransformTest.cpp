@@ -98,6 +98,32 @@ INSTANTIATE_TEST_SUITE_P(EveryFamilyAndSize, FftAtSize,
                                     std::to_string(std::get<1>(info.param));
                          });
 
+// The transforms of any power-of-two size that the partitioned convolution uses: every bin of
+// the forward transform against the direct sums, and scale-then-inverse giving the signal back.
+TEST(FftAnySize, ForwardMatchesDirectDftAndInverseUndoesIt) {
+    for (FftFamily family : allFamilies()) {
+        if (!dsp::fftFamilyUsable(family)) continue;
+        const Fft f(family);
+        for (int m = 1; m <= 2048; m *= 2) {
+            SCOPED_TRACE(std::string(dsp::fftFamilyName(family)) + " M = " + std::to_string(m));
+            const std::vector<double> x = randomSignal(2 * m, 31 + m);
+            AlignedBuffer buffer(2 * m);
+            writeSignal(x, m, buffer.data());
+            f.forwardAny(buffer.data(), m);
+            RelativeRms error;
+            for (int k = 0; k <= m; ++k) {
+                const std::complex<double> got = readBin(buffer.data(), m, k);
+                error.add(std::complex<long double>(got.real(), got.imag()), dftBin(x, k));
+            }
+            EXPECT_LE(error.value(), kMaxRelativeRms);
+            buffer[0] /= 2.0 * m, buffer[1] /= 2.0 * m;
+            for (int e = 2; e < 2 * m; ++e) buffer[e] /= m;
+            f.inverseAny(buffer.data(), m);
+            for (int t = 0; t < 2 * m; ++t) ASSERT_NEAR(buffer[dsp::sampleEntry(m, t)], x[t], 1e-14) << t;
+        }
+    }
+}
+
 TEST(FftDispatch, UnknownSizeLeavesTheBufferUntouched) {
     const int entries = 2 * dsp::kMaxFftSize + 8;
     const std::vector<double> original = randomSignal(entries, 21);
@@ -110,6 +136,7 @@ TEST(FftDispatch, UnknownSizeLeavesTheBufferUntouched) {
             f.inverse(buffer.data(), n);
             f.scale(buffer.data(), n);
             f.multiply(buffer.data(), original.data(), n);
+            if (dsp::anyFftSizeIndex(n) < 0) f.forwardAny(buffer.data(), n), f.inverseAny(buffer.data(), n);
             EXPECT_EQ(std::memcmp(buffer.data(), original.data(), sizeof(double) * entries), 0) << "N = " << n;
         }
     }

@@ -1,0 +1,53 @@
+#pragma once
+// The partitioned convolution's inner loop, acc ← acc + x · k, over packed spectra of 2M
+// doubles (FftLayout.h; M ≥ 4) kept in the multiply-accumulate layout: each run of eight
+// doubles — the four pairs (r0, i0) … (r3, i3) — is stored as (r0, r2, r1, r3, i0, i2, i1, i3),
+// so that four real parts and their four imaginary parts each fill one AVX2 register and a
+// complex product is four fused multiply-adds. The real bins 0 and M (entries 0 and 1 of the
+// packed spectrum, here entries 0 and 4) are two real products.
+//
+// One routine per family: plain C++ (the reference), SSE2, and AVX2 with fused multiply-adds
+// where the processor has them. The families differ only in rounding (a fused multiply-add
+// rounds once). They treat every run alike, as four complex bins, so that a spectrum can be
+// taken a stretch of runs at a time; macSpectrum() puts the two real bins right.
+
+namespace dsp {
+
+enum class MacFamily { Plain, Sse2, Avx2Fma };
+
+// acc ← acc + Σ_j x[j]·k[j], j < terms, over the runs of 2·half doubles (half a multiple of
+// 4), all as complex bins; each run's sum is kept in registers until all terms are in.
+using SpectrumMac = void (*)(double* acc, const double* const* x, const double* const* k, int terms, int half);
+
+// The same over whole spectra of 2·half doubles, the real bins 0 and M included.
+inline void macSpectra(SpectrumMac mac, double* acc, const double* const* x, const double* const* k, int terms,
+                       int half) {
+    double dc = acc[0], nyquist = acc[4];
+    for (int j = 0; j < terms; ++j) dc += x[j][0] * k[j][0], nyquist += x[j][4] * k[j][4];
+    mac(acc, x, k, terms, half);
+    acc[0] = dc;
+    acc[4] = nyquist;
+}
+inline void macSpectrum(SpectrumMac mac, double* acc, const double* x, const double* k, int half) {
+    macSpectra(mac, acc, &x, &k, 1, half);
+}
+
+SpectrumMac spectrumMac(MacFamily family);
+// The fastest family this machine runs.
+MacFamily preferredMacFamily();
+
+// Packed spectrum ↔ multiply-accumulate layout, in place (the rearrangement is its own inverse).
+void swapMacLayout(double* spectrum, int half);
+// Where entry e of the packed spectrum is in the multiply-accumulate layout (and back).
+constexpr int macLayoutIndex(int e) {
+    constexpr int kWithinRun[8] = {0, 4, 2, 6, 1, 5, 3, 7};
+    return e - e % 8 + kWithinRun[e % 8];
+}
+
+namespace mac {
+void plain(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void sse2(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half);
+}  // namespace mac
+
+}  // namespace dsp

@@ -1,0 +1,24 @@
+// The AVX2 family of the spectrum multiply-accumulate: four bins per run, each complex product
+// as four fused multiply-adds into the accumulators.
+
+#include <immintrin.h>
+
+#include "dsp/SpectrumMac.h"
+
+namespace dsp::mac {
+
+void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half) {
+    for (int run = 0; run < 2 * half; run += 8) {
+        __m256d re = _mm256_load_pd(acc + run), im = _mm256_load_pd(acc + run + 4);
+        for (int t = 0; t < terms; ++t) {
+            const __m256d xr = _mm256_load_pd(x[t] + run), xi = _mm256_load_pd(x[t] + run + 4);
+            const __m256d kr = _mm256_load_pd(k[t] + run), ki = _mm256_load_pd(k[t] + run + 4);
+            re = _mm256_fnmadd_pd(xi, ki, _mm256_fmadd_pd(xr, kr, re));
+            im = _mm256_fmadd_pd(xr, ki, _mm256_fmadd_pd(xi, kr, im));
+        }
+        _mm256_store_pd(acc + run, re);
+        _mm256_store_pd(acc + run + 4, im);
+    }
+}
+
+}  // namespace dsp::mac
