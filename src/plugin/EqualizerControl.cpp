@@ -197,12 +197,25 @@ void EqualizerControl::drainPending() {
     audioWork.drain(apply);
 }
 
-// Never waits: the design lock is only tried. If another thread holds it, that thread does the
-// audio thread's changes, here again once it has let the lock go.
+// The outermost scope does what was posted until now, once, and lets the lock go; then it does
+// the audio thread's changes that arrived meanwhile (their poster found the lock taken). Both are
+// bounded, so a stream of automation cannot keep a thread here: whatever is still posted is done
+// by the audio thread before its next block, or by the next scope.
+void EqualizerControl::leaveDesignScope() {
+    if (designDepth == 1) drainPending();
+    --designDepth;
+    designLock.unlock();
+    runAudioThreadWork();
+}
+
+// Never waits: the design lock is only tried, and only by a thread outside any scope.
 void EqualizerControl::runAudioThreadWork() {
-    while (audioWork.pending()) {
+    constexpr int kPasses = 2;
+    for (int pass = 0; pass < kPasses && audioWork.pending(); ++pass) {
         platform::TimedLock::Guard design(designLock, 0);
-        if (!design) return;
+        if (!design || designDepth != 0) return;
+        ++designDepth;
         drainPending();
+        --designDepth;
     }
 }

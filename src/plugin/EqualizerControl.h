@@ -74,12 +74,11 @@ public:
     class DesignScope {
     public:
         explicit DesignScope(EqualizerControl& c, int waitMs = platform::TimedLock::kDefaultWaitMs)
-            : control_(c), owns_(c.designLock.lock(waitMs)) {}
+            : control_(c), owns_(c.designLock.lock(waitMs)) {
+            if (owns_) ++control_.designDepth;
+        }
         ~DesignScope() {
-            if (!owns_) return;
-            control_.drainPending();
-            control_.designLock.unlock();
-            control_.runAudioThreadWork();
+            if (owns_) control_.leaveDesignScope();
         }
         DesignScope(const DesignScope&) = delete;
         DesignScope& operator=(const DesignScope&) = delete;
@@ -101,6 +100,9 @@ public:
     void process(Sample** inputs, Sample** outputs, int frames, const dsp::AudioBlockSettings& s, Reader&& reader,
                  Feed&& feed) {
         audioThread.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        // Changes the audio thread posted while another thread held the design lock, and which
+        // that thread left (it does a bounded amount of them), are done here if the lock is free.
+        runAudioThreadWork();
         engine.process<Sample>(inputs, outputs, frames, secondInputConnected.load(std::memory_order_relaxed),
                                secondOutputConnected.load(std::memory_order_relaxed), s, reader, kernelOps, feed);
     }
@@ -122,6 +124,7 @@ private:
     void drainPending();
     // Without it: the audio thread's changes, if the lock is free at once.
     void runAudioThreadWork();
+    void leaveDesignScope();
     void reconfigureFrame();
     void applyFrameToEngine();
     // The frame and hop the engine convolves with, which the kernels are built for.
@@ -136,6 +139,10 @@ private:
     platform::TimedLock processLock;
     DesignHandover controlWork;  // posted by other threads
     DesignHandover audioWork;    // posted by the audio thread
+    // Nesting of the design lock's holder in DesignScopes (and the audio thread's own turn): only
+    // the outermost level does posted work, so that work which itself opens a scope (a band
+    // update) never starts more work inside it. Touched only by the lock's holder.
+    int designDepth = 0;
     std::atomic<std::thread::id> audioThread{};
 
     dsp::KernelDesigner kernels;

@@ -28,12 +28,13 @@ constexpr int kBlock = 64;
 constexpr int kSpareSlot = 90;  // carried by the preset layer alone
 
 // What the audio thread automates: slots written into the current preset, the analyzer's
-// (written into every preset) and spare ones. Band and engine switches also go to the design
-// lock, whose hand-over has its own suite; automated flat out they would keep this test's other
-// thread redesigning instead of loading.
+// (written into every preset), spare ones, and band settings, which also go to the design lock:
+// automated flat out, they must not keep the loading thread redesigning without end.
 constexpr int kAutomated[] = {params::kPower, params::kLrMs, params::kOutput, params::kPlotRange,
                               params::kChannel, params::kSpan, params::kSpanColor, params::kSpanSpeed,
-                              params::kAutoZoom, params::kSpanWidth, params::kListen, 85, kSpareSlot, 93};
+                              params::kAutoZoom, params::kSpanWidth, params::kListen, 85, kSpareSlot, 93,
+                              // band settings: each one redesigns a band under the design lock
+                              params::kGain + 2, params::kFreq + 4, params::kQ + 1, params::kType + 3};
 
 class PresetBankThreads : public ::testing::Test {
 protected:
