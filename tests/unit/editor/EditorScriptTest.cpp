@@ -3,49 +3,24 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "gui/Editor.h"
-#include "gui/toolkit/CControl.h"
+#include "EditorScriptFixture.h"
 #include "gui/toolkit/CMessageBox.h"
 #include "presets/StoredValues.h"
-#include "unit/plugin/PluginHarness.h"
 #include "unit/toolkit/FakePrograms.h"
 
 namespace {
 
-class EditorScript : public ::testing::Test {
+class EditorScript : public EditorScriptFixture {
 protected:
-    EditorScript() {
-        // Each test gets an empty store of its own (set before the plug-in locates it).
-        std::filesystem::remove_all(storeDir);
-        setenv("TYX_VIREO_CONFIG_DIR", storeDir.c_str(), 1);
-        h = std::make_unique<PluginHarness>();
-        editor().openOffscreen();
-    }
-    ~EditorScript() override {
-        editor().close();
-        h.reset();
-        std::filesystem::remove_all(storeDir);
-    }
-
-    Plugin& p() { return *h->plugin; }
-    Editor& editor() { return *p().getPluginEditor(); }
-    CFrame& frame() { return *editor().getFrame(); }
-
-    void click(CPoint at, int32_t buttons = kLButton) { ::click(frame(), at.x, at.y, buttons); }
     void key(int32_t character, uint8_t virt = 0, uint8_t modifier = 0) {
         VstKeyCode code{character, virt, modifier};
         editor().onKeyDown(code);
     }
     bool stored(std::string_view name) { return editor().userStore().readBinary(name).has_value(); }
-
-    std::string storeDir = testing::TempDir() + "editor-script-store";
-    std::unique_ptr<PluginHarness> h;
 };
 
 // Centres of the controls the scripts use.
@@ -54,7 +29,6 @@ constexpr CPoint kDefaultPreset(144, 500);
 constexpr CPoint kLoadPreset(174, 500);
 constexpr CPoint kNameField(256, 501);
 constexpr CPoint kResetFrequencies(38, 314);
-constexpr CPoint kPower(678, 462);
 
 // Channel values that select the left side, the right side and both.
 struct Sides {
@@ -70,46 +44,13 @@ TEST_F(EditorScript, OpenUntilCloseAndClosedEditorIgnoresParameters) {
     editor().close();
     EXPECT_FALSE(editor().isOpen());
     EXPECT_EQ(editor().getFrame(), nullptr);
-    const float before = p().getParameter(params::kOutput);
+    const float before = param(params::kOutput);
     editor().setParameter(params::kPower, 0.0f);
     editor().idle();
     VstKeyCode k{'a', 0, 0};
     EXPECT_FALSE(editor().onKeyDown(k));
-    EXPECT_EQ(p().getParameter(params::kOutput), before);
+    EXPECT_EQ(param(params::kOutput), before);
     EXPECT_TRUE(editor().openOffscreen());  // and it opens again
-}
-
-TEST_F(EditorScript, PowerButtonSwitchesTheParameter) {
-    const float before = p().getParameter(params::kPower);
-    click(kPower);
-    EXPECT_NE(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
-    click(kPower);
-    EXPECT_EQ(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
-}
-
-TEST_F(EditorScript, BandTypeReachesTheSideChannelSelects) {
-    for (const Sides& c : kSideCases) {
-        p().setParameter(params::kChannel, c.channel);
-        p().setParameter(params::kType + 2, params::stepCentre(0, 14));
-        p().setParameter(params::kTypeR + 2, params::stepCentre(0, 14));
-        CControl band3Type(CRect(0, 0, 1, 1), &editor(), params::kType + 2);
-        band3Type.setValue(params::stepCentre(3, 14));
-        editor().valueChanged(&band3Type);
-        EXPECT_EQ(params::quantize(p().getParameter(params::kType + 2), 14), c.left ? 3 : 0) << c.channel;
-        EXPECT_EQ(params::quantize(p().getParameter(params::kTypeR + 2), 14), c.right ? 3 : 0) << c.channel;
-    }
-}
-
-TEST_F(EditorScript, SwitchingABandOffOnBothSidesDropsItFromSolo) {
-    p().setParameter(params::kChannel, 1.0f);  // LINK
-    p().setParameter(params::kSolo, params::stepCentre(0b11, 256));
-    CControl band2Type(CRect(0, 0, 1, 1), &editor(), params::kType + 1);
-    band2Type.setValue(params::stepCentre(9, 14));
-    editor().valueChanged(&band2Type);
-    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b01);
-    band2Type.setValue(params::stepCentre(2, 14));
-    editor().valueChanged(&band2Type);
-    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b11);
 }
 
 TEST_F(EditorScript, ResetFrequenciesTouchesOnlyTheSelectedSides) {
@@ -117,8 +58,8 @@ TEST_F(EditorScript, ResetFrequenciesTouchesOnlyTheSelectedSides) {
         p().setParameter(params::kChannel, c.channel);
         for (int i = params::kFreq; i < params::kQ; ++i) p().setParameter(i, 0.01f);
         click(kResetFrequencies);
-        EXPECT_NEAR(p().getParameter(params::kFreq + 4), c.left ? 0.566323f : 0.01f, 1e-6) << c.channel;
-        EXPECT_NEAR(p().getParameter(params::kFreqR + 7), c.right ? 0.958354f : 0.01f, 1e-6) << c.channel;
+        EXPECT_NEAR(param(params::kFreq + 4), c.left ? 0.566323f : 0.01f, 1e-6) << c.channel;
+        EXPECT_NEAR(param(params::kFreqR + 7), c.right ? 0.958354f : 0.01f, 1e-6) << c.channel;
     }
 }
 
@@ -193,8 +134,8 @@ TEST_F(EditorScript, RightClickOnLoadPresetAsksForTheEndianReversedDialog) {
     FakePrograms fakes;
     fakes.add("zenity", "printf '%s\\n' \"$@\" > \"" + fakes.file("args") + "\"\necho '" + file + "'");
     click(kLoadPreset, kRButton);
-    ASSERT_TRUE(idleUntil(frame(), [&] { return p().getParameter(params::kOutput) != 0.9f; }));
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.3f);
+    ASSERT_TRUE(idleUntil(frame(), [&] { return param(params::kOutput) != 0.9f; }));
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.3f);
     std::ifstream args(fakes.file("args"));
     const std::string text((std::istreambuf_iterator<char>(args)), {});
     EXPECT_NE(text.find("Load preset (endian-reversed)"), std::string::npos) << text;
@@ -235,9 +176,9 @@ TEST_F(EditorScript, MemoryButtonsStoreAndRecallTheCurrentPreset) {
     click(kStoreB);
     p().setParameter(params::kOutput, 0.5f);
     click(kRecallA);
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.2f);
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.2f);
     click(kRecallB);
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.7f);
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.7f);
 }
 
 TEST_F(EditorScript, KeyboardFocusButtonKeepsTheOptionForTheNextSession) {
