@@ -4,13 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "gui/Editor.h"
 #include "unit/plugin/PluginHarness.h"
@@ -56,28 +53,13 @@ protected:
         }
     }
 
-    // 48 kHz in blocks of kBlock, running.
-    static constexpr int kBlock = 512;
+    // 48 kHz in blocks of 512, running, as peakOfSine wants it.
     void startAudio() {
         p().setSampleRate(48000);
-        p().setBlockSize(kBlock);
+        p().setBlockSize(512);
         p().resume();
     }
-    // Peak of the left output over the second half of a run of a sine of amplitude 0.5 on both inputs.
-    float peakOfSine(double hz, double seconds) {
-        std::vector<float> in(kBlock), outL(kBlock), outR(kBlock);
-        float* inputs[2] = {in.data(), in.data()};
-        float* outputs[2] = {outL.data(), outR.data()};
-        const int frames = static_cast<int>(seconds * 48000);
-        float peak = 0;
-        for (int start = 0; start < frames; start += kBlock) {
-            for (int i = 0; i < kBlock; ++i) in[i] = 0.5f * static_cast<float>(std::sin(2 * M_PI * hz * (start + i) / 48000.0));
-            p().processReplacing(inputs, outputs, kBlock);
-            if (2 * start >= frames)
-                for (float y : outL) peak = std::max(peak, std::fabs(y));
-        }
-        return peak;
-    }
+    float peakOfSine(double hz, double seconds) { return ::peakOfSine(p(), hz, seconds); }
 
     std::string storeDir = testing::TempDir() + "editor-script-store";
     std::unique_ptr<PluginHarness> h;

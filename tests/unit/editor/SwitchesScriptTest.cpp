@@ -121,6 +121,7 @@ TEST_F(SwitchesScript, ResolutionSegmentsSetTheirStep) {
 }
 
 TEST_F(SwitchesScript, HotSignalTurnsAReadoutRedAndALeftClickClearsBoth) {
+    constexpr int kBlock = 512;
     startAudio();
     std::vector<float> left(kBlock, 0.0f), right(kBlock, 0.0f), outL(kBlock), outR(kBlock);
     for (int i = 0; i < kBlock; i += 64) left[i] = 1.5f, right[i] = -0.25f;
