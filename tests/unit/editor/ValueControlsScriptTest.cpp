@@ -90,8 +90,12 @@ TEST_F(ValueControlsScript, OneWheelUnitMovesAHundredthOrWithShiftAThousandth) {
     EXPECT_NEAR(param(params::kGain), 0.51f, 1e-6);
     wheel(kGainKnob[0], -1, kShift);
     EXPECT_NEAR(param(params::kGain), 0.509f, 1e-6);
+    h->host.calls.clear();
+    wheel({300, 173}, 1);  // the header left of its output: nothing
     wheel(kHeaderOutput, 1);
     EXPECT_NEAR(param(params::kOutput), 0.51f, 1e-6);
+    EXPECT_EQ(begunEdits(), std::vector<int>{params::kOutput}) << "one edit per wheel step";
+    EXPECT_EQ(h->host.of(audioMasterEndEdit).size(), 1u);
     wheel(kOutputKnob, 1);
     EXPECT_NEAR(param(params::kOutput), 0.52f, 1e-6);
     p().setParameter(params::kPlotRange, 0.5f);
