@@ -10,6 +10,7 @@
 #include "EditorScriptFixture.h"
 #include "gui/toolkit/CMessageBox.h"
 #include "presets/StoredValues.h"
+#include "unit/presets/PresetTestSupport.h"
 #include "unit/toolkit/FakePrograms.h"
 
 namespace {
@@ -95,40 +96,12 @@ TEST_F(EditorScript, RenamingInTheNameFieldRenamesTheProgram) {
     EXPECT_STREQ(name, "Mastering");
 }
 
-namespace {
-void reverse32(std::vector<uint8_t>& bytes, size_t at) { std::reverse(bytes.begin() + at, bytes.begin() + at + 4); }
-uint32_t read32(const std::vector<uint8_t>& bytes, size_t at) {
-    uint32_t v;
-    std::memcpy(&v, bytes.data() + at, 4);
-    return v;
-}
-
-// A preset file whose magic is in machine order while every other field it uses is reversed:
-// only the endian-reversed dialog reads it right.
-std::vector<uint8_t> withReversedFields(std::vector<uint8_t> image) {
-    constexpr size_t kHeader = 41, kRecordHead = 12;
-    for (size_t at = 5; at < kHeader; at += 4) reverse32(image, at);
-    for (size_t at = kHeader; at + kRecordHead <= image.size();) {
-        const uint32_t type = read32(image, at), body = read32(image, at + 4);
-        for (size_t field = 0; field < kRecordHead; field += 4) reverse32(image, at + field);
-        if (type == 1) {
-            reverse32(image, at + kRecordHead);       // slot
-            reverse32(image, at + kRecordHead + 12);  // value
-        }
-        at += kRecordHead + body;
-    }
-    return image;
-}
-}  // namespace
-
 TEST_F(EditorScript, RightClickOnLoadPresetAsksForTheEndianReversedDialog) {
+    // Magic in the machine's order, every other field reversed: only the reversed dialog reads it.
+    imagebytes::Bytes mixed = imagebytes::presetImage(true, "Mixed", {{params::kOutput, 0.3f}});
+    std::memcpy(mixed.data.data(), "\x72\x76\x58\x54", 4);
     const std::string file = testing::TempDir() + "reversed.tyx";
-    p().setParameter(params::kOutput, 0.3f);
-    ASSERT_TRUE(editor().savePresetFile(file));
-    std::ifstream in(file, std::ios::binary);
-    const auto reversed = withReversedFields(std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(reversed.data()),
-                                                static_cast<std::streamsize>(reversed.size()));
+    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(mixed.ptr()), static_cast<std::streamsize>(mixed.size()));
     p().setParameter(params::kOutput, 0.9f);
 
     FakePrograms fakes;
