@@ -25,10 +25,9 @@ int openFileCount() {
 }
 
 // Parameter indexes, and where band 1's controls and the others used here sit.
-constexpr int kPower = 0, kOutput = 5, kType = 6, kTypeR = 14, kFreq = 22, kFreqR = 30, kGain = 54,
-              kPlotRange = 70, kChannel = 71;
+constexpr int kPower = 0, kOutput = 5, kType = 6, kTypeR = 14, kFreq = 22, kGain = 54, kPlotRange = 70;
 constexpr int kPowerX = 678, kPowerY = 462;
-constexpr int kFrequencyX = 98, kFrequencyY = 319, kGainX = 97, kGainY = 376, kOutputX = 673, kOutputY = 397;
+constexpr int kGainX = 97, kGainY = 376, kOutputX = 673, kOutputY = 397;
 constexpr float kPeaking = 3.5f / 14;
 constexpr int kTypeSteps = 14;
 
@@ -61,20 +60,6 @@ TEST_F(EditorWindow, TwoHundredOpenIdleCloseCyclesLeaveNoWindowOrFileBehind) {
     XSync(display, False);
     EXPECT_EQ(children().size(), 0u);
     EXPECT_EQ(openFileCount(), filesBefore);
-}
-
-TEST_F(EditorWindow, DraggingAFrequencyKnobUpRaisesItsParameterOnBothLinkedSides) {
-    plugin->setParameter(kChannel, 1.0f);  // LINK
-    plugin->setParameter(kFreq, 0.5f);
-    openEditor();
-    pointerTo(kFrequencyX, kFrequencyY);
-    button(1, true);
-    for (int dy = 10; dy <= 50; dy += 10) pointerTo(kFrequencyX, kFrequencyY - dy);
-    button(1, false);
-    // 50 pixels of the 500 that cover the range.
-    EXPECT_TRUE(idleUntil([&] { return std::fabs(plugin->getParameter(kFreq) - 0.6f) < 1e-4f; }))
-        << plugin->getParameter(kFreq);
-    EXPECT_NEAR(plugin->getParameter(kFreqR), 0.6f, 1e-4f);
 }
 
 TEST_F(EditorWindow, AWheelTurnAndTypingReachTheirParameters) {
