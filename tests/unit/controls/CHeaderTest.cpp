@@ -1,5 +1,5 @@
-// The header on its own: what it shows for a band (fields by type), how its wheel brackets the
-// output change, and how long the drive line stays.
+// The header on its own: what it shows for a band (fields by type) and how long the drive line
+// stays.
 
 #include <gtest/gtest.h>
 
@@ -33,17 +33,6 @@ TEST_F(Header, ABypassedLowCutShowsBypassWithItsQAndNoGain) {
     EXPECT_EQ(t.gain, "");
     EXPECT_EQ(t.q, "0.71");
     EXPECT_EQ(t.output, "+0.0");
-}
-
-TEST_F(Header, TheWheelIsOneEditOfTheOutput) {
-    EXPECT_FALSE(frame.onWheel(CPoint(300, 173), CMouseWheelAxis::kVertical, 1, 0));
-    EXPECT_TRUE(frame.onWheel(CPoint(490, 173), CMouseWheelAxis::kVertical, 1, 0));  // over the output
-    ASSERT_EQ(spy.calls.size(), 3u);
-    EXPECT_EQ(spy.calls[0].what, "begin");
-    EXPECT_NEAR(spy.calls[1].value, 0.51f, 1e-6);
-    EXPECT_EQ(spy.calls[2].what, "end");
-    frame.onWheel(CPoint(490, 173), CMouseWheelAxis::kVertical, 100, 0);
-    EXPECT_EQ(spy.changedValues().back(), 1.0f);
 }
 
 // Pixels of the drive line's highlighted number cell (x 354..359, the row above the baseline).

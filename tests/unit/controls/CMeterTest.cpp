@@ -15,17 +15,6 @@
 
 namespace {
 
-// Glyph i of sheet s: its first five columns and eight rows in colour (i, 0, s).
-CBitmap* sheet(uint8_t s) {
-    constexpr int width = 8 * 192, height = 9;
-    std::vector<uint32_t> argb(width * height, 0);
-    for (int i = 0; i < 192; ++i)
-        for (int y = 0; y < 8; ++y)
-            for (int x = 0; x < 5; ++x) argb[y * width + 8 * i + x] = 0xff000000u | uint32_t(i) << 16 | s;
-    const auto png = makePng(width, height, argb);
-    return new CBitmap(png.data(), png.size());
-}
-
 // An editor without an effect whose held peaks the test sets.
 struct PeakOwner : Editor {
     PeakOwner() : Editor(nullptr) {}
@@ -70,8 +59,8 @@ protected:
         return shown;
     }
 
-    CBitmap* first = sheet(1);
-    CBitmap* second = sheet(2);
+    CBitmap* first = glyphSheet(1);
+    CBitmap* second = glyphSheet(2);
     PeakOwner owner;
 };
 

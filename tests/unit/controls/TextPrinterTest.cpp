@@ -1,40 +1,21 @@
-// The text printers against the glyph rule, on a synthetic font sheet whose every glyph cell is
-// painted in a colour that names its index: what lands on screen says which glyph was taken.
+// The text printers against the glyph rule, on synthetic font sheets whose every glyph cell is
+// painted in a colour that names its index.
 
 #include <gtest/gtest.h>
 
 #include "gui/controls/CTextPrinter.h"
 #include "gui/toolkit/CBitmap.h"
 #include "gui/toolkit/CDrawContext.h"
+#include "gui/toolkit/FrameImage.h"
 #include "unit/toolkit/ToolkitSupport.h"
 
 namespace {
 
-constexpr int kSheetWidth = 8 * 192;
-constexpr int kSheetHeight = 9;
-
-// Glyph i: its cell's first five columns and eight rows opaque in colour (i, 255 - i, sheet);
-// column 5 and row 8 transparent, so there the cell's fill shows.
-CBitmap* makeSheet(uint8_t sheet) {
-    std::vector<uint32_t> argb(kSheetWidth * kSheetHeight, 0);
-    for (int i = 0; i < 192; ++i)
-        for (int y = 0; y < 8; ++y)
-            for (int x = 0; x < 5; ++x)
-                argb[y * kSheetWidth + 8 * i + x] = 0xff000000u | uint32_t(i) << 16 | uint32_t(255 - i) << 8 | sheet;
-    const auto png = makePng(kSheetWidth, kSheetHeight, argb);
-    return new CBitmap(png.data(), png.size());
-}
-
+// Glyph sheets from glyphSheet(): what lands on screen says which glyph was taken.
 struct Canvas {
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 120, 30);
-    CDrawContext context{surface};
-    ~Canvas() { cairo_surface_destroy(surface); }
-    CColor at(int x, int y) {
-        cairo_surface_flush(surface);
-        uint32_t p;
-        std::memcpy(&p, cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface) + 4 * x, 4);
-        return {uint8_t(p >> 16), uint8_t(p >> 8), uint8_t(p), uint8_t(p >> 24)};
-    }
+    FrameImage image{120, 30};
+    CDrawContext context{image.surface()};
+    CColor at(int x, int y) { return image.pixel(x, y); }
 };
 
 CColor glyph(int index, uint8_t sheet) { return {uint8_t(index), uint8_t(255 - index), sheet, 255}; }
@@ -42,7 +23,7 @@ CColor glyph(int index, uint8_t sheet) { return {uint8_t(index), uint8_t(255 - i
 }  // namespace
 
 TEST(TextPrinter, GlyphIndexCellAndAdvance) {
-    CBitmap* font = makeSheet(1);
+    CBitmap* font = glyphSheet(1);
     CTextPrinter printer(font);
     font->forget();
     EXPECT_EQ(font->getNbReference(), 1);  // the printer keeps the sheet alive
@@ -82,7 +63,7 @@ TEST(TextPrinter, GlyphIndexCellAndAdvance) {
 }
 
 TEST(TextPrinter, StringsAdvanceSixOrEightPixels) {
-    CBitmap* font = makeSheet(1);
+    CBitmap* font = glyphSheet(1);
     CTextPrinter printer(font);
     font->forget();
     Canvas canvas;
@@ -94,8 +75,8 @@ TEST(TextPrinter, StringsAdvanceSixOrEightPixels) {
 }
 
 TEST(TextPrinter, TwoColourPrinterChoosesSheetAndStyle) {
-    CBitmap* first = makeSheet(1);
-    CBitmap* second = makeSheet(2);
+    CBitmap* first = glyphSheet(1);
+    CBitmap* second = glyphSheet(2);
     CTextPrinter2Color printer(first, second);
     first->forget();
     second->forget();

@@ -3,49 +3,25 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "gui/Editor.h"
-#include "gui/toolkit/CControl.h"
+#include "EditorScriptFixture.h"
 #include "gui/toolkit/CMessageBox.h"
 #include "presets/StoredValues.h"
-#include "unit/plugin/PluginHarness.h"
+#include "unit/presets/PresetTestSupport.h"
 #include "unit/toolkit/FakePrograms.h"
 
 namespace {
 
-class EditorScript : public ::testing::Test {
+class EditorScript : public EditorScriptFixture {
 protected:
-    EditorScript() {
-        // Each test gets an empty store of its own (set before the plug-in locates it).
-        std::filesystem::remove_all(storeDir);
-        setenv("TYX_VIREO_CONFIG_DIR", storeDir.c_str(), 1);
-        h = std::make_unique<PluginHarness>();
-        editor().openOffscreen();
-    }
-    ~EditorScript() override {
-        editor().close();
-        h.reset();
-        std::filesystem::remove_all(storeDir);
-    }
-
-    Plugin& p() { return *h->plugin; }
-    Editor& editor() { return *p().getPluginEditor(); }
-    CFrame& frame() { return *editor().getFrame(); }
-
-    void click(CPoint at, int32_t buttons = kLButton) { ::click(frame(), at.x, at.y, buttons); }
     void key(int32_t character, uint8_t virt = 0, uint8_t modifier = 0) {
         VstKeyCode code{character, virt, modifier};
         editor().onKeyDown(code);
     }
     bool stored(std::string_view name) { return editor().userStore().readBinary(name).has_value(); }
-
-    std::string storeDir = testing::TempDir() + "editor-script-store";
-    std::unique_ptr<PluginHarness> h;
 };
 
 // Centres of the controls the scripts use.
@@ -54,7 +30,6 @@ constexpr CPoint kDefaultPreset(144, 500);
 constexpr CPoint kLoadPreset(174, 500);
 constexpr CPoint kNameField(256, 501);
 constexpr CPoint kResetFrequencies(38, 314);
-constexpr CPoint kPower(678, 462);
 
 // Channel values that select the left side, the right side and both.
 struct Sides {
@@ -70,46 +45,13 @@ TEST_F(EditorScript, OpenUntilCloseAndClosedEditorIgnoresParameters) {
     editor().close();
     EXPECT_FALSE(editor().isOpen());
     EXPECT_EQ(editor().getFrame(), nullptr);
-    const float before = p().getParameter(params::kOutput);
+    const float before = param(params::kOutput);
     editor().setParameter(params::kPower, 0.0f);
     editor().idle();
     VstKeyCode k{'a', 0, 0};
     EXPECT_FALSE(editor().onKeyDown(k));
-    EXPECT_EQ(p().getParameter(params::kOutput), before);
+    EXPECT_EQ(param(params::kOutput), before);
     EXPECT_TRUE(editor().openOffscreen());  // and it opens again
-}
-
-TEST_F(EditorScript, PowerButtonSwitchesTheParameter) {
-    const float before = p().getParameter(params::kPower);
-    click(kPower);
-    EXPECT_NE(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
-    click(kPower);
-    EXPECT_EQ(p().getParameter(params::kPower) >= 0.5f, before >= 0.5f);
-}
-
-TEST_F(EditorScript, BandTypeReachesTheSideChannelSelects) {
-    for (const Sides& c : kSideCases) {
-        p().setParameter(params::kChannel, c.channel);
-        p().setParameter(params::kType + 2, params::stepCentre(0, 14));
-        p().setParameter(params::kTypeR + 2, params::stepCentre(0, 14));
-        CControl band3Type(CRect(0, 0, 1, 1), &editor(), params::kType + 2);
-        band3Type.setValue(params::stepCentre(3, 14));
-        editor().valueChanged(&band3Type);
-        EXPECT_EQ(params::quantize(p().getParameter(params::kType + 2), 14), c.left ? 3 : 0) << c.channel;
-        EXPECT_EQ(params::quantize(p().getParameter(params::kTypeR + 2), 14), c.right ? 3 : 0) << c.channel;
-    }
-}
-
-TEST_F(EditorScript, SwitchingABandOffOnBothSidesDropsItFromSolo) {
-    p().setParameter(params::kChannel, 1.0f);  // LINK
-    p().setParameter(params::kSolo, params::stepCentre(0b11, 256));
-    CControl band2Type(CRect(0, 0, 1, 1), &editor(), params::kType + 1);
-    band2Type.setValue(params::stepCentre(9, 14));
-    editor().valueChanged(&band2Type);
-    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b01);
-    band2Type.setValue(params::stepCentre(2, 14));
-    editor().valueChanged(&band2Type);
-    EXPECT_EQ(params::quantize(p().getParameter(params::kSolo), 256), 0b11);
 }
 
 TEST_F(EditorScript, ResetFrequenciesTouchesOnlyTheSelectedSides) {
@@ -117,8 +59,8 @@ TEST_F(EditorScript, ResetFrequenciesTouchesOnlyTheSelectedSides) {
         p().setParameter(params::kChannel, c.channel);
         for (int i = params::kFreq; i < params::kQ; ++i) p().setParameter(i, 0.01f);
         click(kResetFrequencies);
-        EXPECT_NEAR(p().getParameter(params::kFreq + 4), c.left ? 0.566323f : 0.01f, 1e-6) << c.channel;
-        EXPECT_NEAR(p().getParameter(params::kFreqR + 7), c.right ? 0.958354f : 0.01f, 1e-6) << c.channel;
+        EXPECT_NEAR(param(params::kFreq + 4), c.left ? 0.566323f : 0.01f, 1e-6) << c.channel;
+        EXPECT_NEAR(param(params::kFreqR + 7), c.right ? 0.958354f : 0.01f, 1e-6) << c.channel;
     }
 }
 
@@ -154,47 +96,19 @@ TEST_F(EditorScript, RenamingInTheNameFieldRenamesTheProgram) {
     EXPECT_STREQ(name, "Mastering");
 }
 
-namespace {
-void reverse32(std::vector<uint8_t>& bytes, size_t at) { std::reverse(bytes.begin() + at, bytes.begin() + at + 4); }
-uint32_t read32(const std::vector<uint8_t>& bytes, size_t at) {
-    uint32_t v;
-    std::memcpy(&v, bytes.data() + at, 4);
-    return v;
-}
-
-// A preset file whose magic is in machine order while every other field it uses is reversed:
-// only the endian-reversed dialog reads it right.
-std::vector<uint8_t> withReversedFields(std::vector<uint8_t> image) {
-    constexpr size_t kHeader = 41, kRecordHead = 12;
-    for (size_t at = 5; at < kHeader; at += 4) reverse32(image, at);
-    for (size_t at = kHeader; at + kRecordHead <= image.size();) {
-        const uint32_t type = read32(image, at), body = read32(image, at + 4);
-        for (size_t field = 0; field < kRecordHead; field += 4) reverse32(image, at + field);
-        if (type == 1) {
-            reverse32(image, at + kRecordHead);       // slot
-            reverse32(image, at + kRecordHead + 12);  // value
-        }
-        at += kRecordHead + body;
-    }
-    return image;
-}
-}  // namespace
-
 TEST_F(EditorScript, RightClickOnLoadPresetAsksForTheEndianReversedDialog) {
+    // Magic in the machine's order, every other field reversed: only the reversed dialog reads it.
+    imagebytes::Bytes mixed = imagebytes::presetImage(true, "Mixed", {{params::kOutput, 0.3f}});
+    std::memcpy(mixed.data.data(), "\x72\x76\x58\x54", 4);
     const std::string file = testing::TempDir() + "reversed.tyx";
-    p().setParameter(params::kOutput, 0.3f);
-    ASSERT_TRUE(editor().savePresetFile(file));
-    std::ifstream in(file, std::ios::binary);
-    const auto reversed = withReversedFields(std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(reversed.data()),
-                                                static_cast<std::streamsize>(reversed.size()));
+    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(mixed.ptr()), static_cast<std::streamsize>(mixed.size()));
     p().setParameter(params::kOutput, 0.9f);
 
     FakePrograms fakes;
     fakes.add("zenity", "printf '%s\\n' \"$@\" > \"" + fakes.file("args") + "\"\necho '" + file + "'");
     click(kLoadPreset, kRButton);
-    ASSERT_TRUE(idleUntil(frame(), [&] { return p().getParameter(params::kOutput) != 0.9f; }));
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.3f);
+    ASSERT_TRUE(idleUntil(frame(), [&] { return param(params::kOutput) != 0.9f; }));
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.3f);
     std::ifstream args(fakes.file("args"));
     const std::string text((std::istreambuf_iterator<char>(args)), {});
     EXPECT_NE(text.find("Load preset (endian-reversed)"), std::string::npos) << text;
@@ -235,9 +149,9 @@ TEST_F(EditorScript, MemoryButtonsStoreAndRecallTheCurrentPreset) {
     click(kStoreB);
     p().setParameter(params::kOutput, 0.5f);
     click(kRecallA);
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.2f);
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.2f);
     click(kRecallB);
-    EXPECT_FLOAT_EQ(p().getParameter(params::kOutput), 0.7f);
+    EXPECT_FLOAT_EQ(param(params::kOutput), 0.7f);
 }
 
 TEST_F(EditorScript, KeyboardFocusButtonKeepsTheOptionForTheNextSession) {

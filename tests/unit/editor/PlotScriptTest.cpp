@@ -3,14 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <filesystem>
-#include <vector>
-
-#include "gui/Editor.h"
-#include "unit/plugin/PluginHarness.h"
-#include "unit/toolkit/ToolkitSupport.h"
+#include "EditorScriptFixture.h"
 
 namespace {
 
@@ -25,24 +18,9 @@ const float kOneKilohertz = static_cast<float>(std::log10(50.0) / 3.0);
 double rangeDbFor(float p) { return 6.0 * std::pow(2.0, 2.0 - 3.0 * p); }
 float gainValueForDb(double dB) { return static_cast<float>(0.5 + dB / 48.0); }
 
-class PlotScript : public ::testing::Test {
+class PlotScript : public EditorScriptFixture {
 protected:
-    PlotScript() {
-        std::filesystem::remove_all(storeDir);
-        setenv("TYX_VIREO_CONFIG_DIR", storeDir.c_str(), 1);
-        h = std::make_unique<PluginHarness>();
-        editor().openOffscreen();
-        p().setParameter(kChannel, 1.0f);  // LINK: both sides follow the plot
-    }
-    ~PlotScript() override {
-        editor().close();
-        h.reset();
-        std::filesystem::remove_all(storeDir);
-    }
-
-    Plugin& p() { return *h->plugin; }
-    Editor& editor() { return *p().getPluginEditor(); }
-    CFrame& frame() { return *editor().getFrame(); }
+    PlotScript() { p().setParameter(kChannel, 1.0f); }  // LINK: both sides follow the plot
 
     // Band b switched on with the given type step, frequency and gain values.
     void band(int b, int type, float frequency, float gain) {
@@ -55,20 +33,12 @@ protected:
     static CPoint handle(float frequency, float gain, float range) {
         return {kLeft + std::trunc(kWidth * frequency), kCentre - (2 * gain - 1) * kHalf * 24 / rangeDbFor(range)};
     }
-    void move(CPoint at, int32_t buttons = 0) { frame().onMouseMoved(at, buttons); }
+    // A press as a pointer brings it: the modifiers are seen on the way in.
     void press(CPoint at, int32_t buttons = kLButton) {
         move(at, buttons & CButtonState::kModifiers);
-        frame().onMouseDown(at, buttons);
+        EditorScriptFixture::press(at, buttons);
     }
     void release(CPoint at) { frame().onMouseUp(at, kLButton); }
-    void wheel(CPoint at, float distance, int32_t buttons = 0) {
-        frame().onWheel(at, CMouseWheelAxis::kVertical, distance, buttons);
-    }
-    float value(int index) { return p().getParameter(index); }
-    int step(int index, int steps) { return quantize(value(index), steps); }
-
-    std::string storeDir = testing::TempDir() + "plot-script-store";
-    std::unique_ptr<PluginHarness> h;
 };
 
 TEST_F(PlotScript, GainDetentLatchesWithinFivePixelsOfTheCentreLine) {
@@ -90,8 +60,8 @@ TEST_F(PlotScript, GainDetentLatchesWithinFivePixelsOfTheCentreLine) {
     };
     for (const Step& s : steps) {
         move(CPoint(start.x, kCentre + s.offset), kLButton);
-        EXPECT_NEAR(value(kGain), s.gain, 1e-4) << s.offset;
-        EXPECT_EQ(value(kGainR), value(kGain));
+        EXPECT_NEAR(param(kGain), s.gain, 1e-4) << s.offset;
+        EXPECT_EQ(param(kGainR), param(kGain));
     }
     release(start);
 }
@@ -108,8 +78,8 @@ TEST_F(PlotScript, VerticalDragOfHalfTheHeightScalesWithTheRange) {
         press(start);
         move(CPoint(start.x, start.y - kHeight / 2), kLButton);
         release(start);
-        EXPECT_NEAR(value(kGain), 0.4f + c.change, 1e-4) << c.range;
-        EXPECT_NEAR(value(kFreq), 0.3f, 1.0 / kWidth) << "a vertical drag keeps the frequency";
+        EXPECT_NEAR(param(kGain), 0.4f + c.change, 1e-4) << c.range;
+        EXPECT_NEAR(param(kFreq), 0.3f, 1.0 / kWidth) << "a vertical drag keeps the frequency";
     }
 }
 
@@ -117,64 +87,44 @@ TEST_F(PlotScript, AltDragsOnlyVerticallyAndShiftDragTurnsQ) {
     p().setParameter(kPlotRange, 0.0f);
     band(0, 3, 0.3f, 0.5f);
     CPoint start = handle(0.3f, 0.5f, 0.0f);
-    move(start, kAlt);
-    frame().onMouseDown(start, kLButton | kAlt);
+    press(start, kLButton | kAlt);
     move(CPoint(start.x + 40, start.y - 20), kLButton | kAlt);
     release(start);
-    EXPECT_EQ(value(kFreq), 0.3f);
-    EXPECT_NEAR(value(kGain), 0.5f + 20 / kHeight, 1e-4);
+    EXPECT_EQ(param(kFreq), 0.3f);
+    EXPECT_NEAR(param(kGain), 0.5f + 20 / kHeight, 1e-4);
 
     band(0, 3, 0.3f, 0.5f);
-    const float q = value(kQ);
-    move(start, kShift);
-    frame().onMouseDown(start, kLButton | kShift);
+    const float q = param(kQ);
+    press(start, kLButton | kShift);
     move(CPoint(start.x + 40, start.y - 20), kLButton | kShift);
     release(start);
-    EXPECT_NEAR(value(kQ), q + 40 / 400.0f + 20 / 200.0f, 1e-5);
-    EXPECT_EQ(value(kFreq), 0.3f);
-    EXPECT_EQ(value(kGain), 0.5f);
-}
-
-// Peak of the left output over the last half of a run of a sine of amplitude 0.5.
-float peakOfSine(Plugin& plugin, double hz, double seconds) {
-    constexpr int kBlock = 512;
-    std::vector<float> in(kBlock), out(2 * kBlock);
-    float* inputs[2] = {in.data(), in.data()};
-    float* outputs[2] = {out.data(), out.data() + kBlock};
-    const int frames = static_cast<int>(seconds * 48000);
-    float peak = 0;
-    for (int start = 0; start < frames; start += kBlock) {
-        for (int i = 0; i < kBlock; ++i) in[i] = 0.5f * static_cast<float>(std::sin(2 * M_PI * hz * (start + i) / 48000.0));
-        plugin.processReplacing(inputs, outputs, kBlock);
-        if (2 * start >= frames) peak = std::max(peak, *std::max_element(out.begin(), out.begin() + kBlock));
-    }
-    return peak;
+    EXPECT_NEAR(param(kQ), q + 40 / 400.0f + 20 / 200.0f, 1e-5);
+    EXPECT_EQ(param(kFreq), 0.3f);
+    EXPECT_EQ(param(kGain), 0.5f);
 }
 
 TEST_F(PlotScript, CtrlOrTheRightButtonAuditionsTheBandAndTheWheelSetsItsLevel) {
-    p().setSampleRate(48000);
-    p().setBlockSize(512);
-    p().resume();
+    startAudio();
     // A band on a whole pixel, so that grabbing its handle leaves its frequency where it is.
     const float v = 256.0f / 453;
     const double hz = 20 * std::pow(1000.0, v);
     band(0, 3, v, 0.5f);
-    const float plain = peakOfSine(p(), hz, 1.5);  // past the latency
+    const float plain = peakOfSine(hz, 1.5);  // past the latency
     // The audition band-pass at its own frequency: gain 2^(4·level) / (2·cos(π·f/rate)).
     const auto heard = [&](double level) { return 0.5 * std::pow(2.0, 4 * level) / (2 * std::cos(M_PI * hz / 48000)); };
-    CPoint at = handle(v, 0.5f, value(kPlotRange));
+    CPoint at = handle(v, 0.5f, param(kPlotRange));
 
     move(at, kControl);
-    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.5), 0.005);
+    EXPECT_NEAR(peakOfSine(hz, 0.5), heard(0.5), 0.005);
     wheel(at, 1, kControl);  // level 0.5 + 0.1 × 2.5
-    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.75), 0.005);
+    EXPECT_NEAR(peakOfSine(hz, 0.5), heard(0.75), 0.005);
     move(at);  // Ctrl let go
-    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), plain, 1e-3);
+    EXPECT_NEAR(peakOfSine(hz, 0.5), plain, 1e-3);
 
     frame().onMouseDown(at, kRButton);
-    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), heard(0.75), 0.005);
+    EXPECT_NEAR(peakOfSine(hz, 0.5), heard(0.75), 0.005);
     frame().onMouseUp(at, kRButton);
-    EXPECT_NEAR(peakOfSine(p(), hz, 0.5), plain, 1e-3);
+    EXPECT_NEAR(peakOfSine(hz, 0.5), plain, 1e-3);
     p().suspend();
 }
 
@@ -186,8 +136,8 @@ TEST_F(PlotScript, OverlappingHandlesGiveTheLowerBand) {
     press(start);
     move(CPoint(start.x + 45, start.y), kLButton);
     release(start);
-    EXPECT_NEAR(value(kFreq + 1), 0.4f + 45 / kWidth, 1.5 / kWidth);
-    EXPECT_EQ(value(kFreq + 2), 0.4f);
+    EXPECT_NEAR(param(kFreq + 1), 0.4f + 45 / kWidth, 1.5 / kWidth);
+    EXPECT_EQ(param(kFreq + 2), 0.4f);
 }
 
 TEST_F(PlotScript, HarmonicSnappingLandsOnTheNearestMultiple) {
@@ -203,7 +153,7 @@ TEST_F(PlotScript, HarmonicSnappingLandsOnTheNearestMultiple) {
         move(CPoint(kLeft + kWidth * wanted + 2, start.y), kLButton | kControl | kShift);
         frame().onMouseUp(start, kLButton | kControl | kShift);
         move(CPoint(300, 40));
-        EXPECT_NEAR(value(kFreq), wanted, 1e-6) << hz;
+        EXPECT_NEAR(param(kFreq), wanted, 1e-6) << hz;
     }
 }
 
@@ -211,23 +161,23 @@ TEST_F(PlotScript, WheelZoomsOnEmptySpaceDrivesWithCtrlAndTurnsQOverABand) {
     p().setParameter(kPlotRange, 0.5f);
     band(0, 3, 0.5f, 0.5f);
     const CPoint empty(200, 50);
-    const float drive = value(kSpanDrive);
+    const float drive = param(kSpanDrive);
     move(empty);
     wheel(empty, 1);
-    EXPECT_NEAR(value(kPlotRange), 0.6f, 1e-6);
-    EXPECT_EQ(value(kSpanDrive), drive);
+    EXPECT_NEAR(param(kPlotRange), 0.6f, 1e-6);
+    EXPECT_EQ(param(kSpanDrive), drive);
 
     move(empty, kControl);
     wheel(empty, -1, kControl);
-    EXPECT_NEAR(value(kSpanDrive), drive - 0.1f, 1e-6);
-    EXPECT_NEAR(value(kPlotRange), 0.6f, 1e-6);
+    EXPECT_NEAR(param(kSpanDrive), drive - 0.1f, 1e-6);
+    EXPECT_NEAR(param(kPlotRange), 0.6f, 1e-6);
 
-    const float q = value(kQ);
+    const float q = param(kQ);
     const CPoint onBand = handle(0.5f, 0.5f, 0.6f);
     move(onBand);
     wheel(onBand, 1);
-    EXPECT_NEAR(value(kQ), q + 0.1f, 1e-6);
-    EXPECT_EQ(value(kQR), value(kQ));
+    EXPECT_NEAR(param(kQ), q + 0.1f, 1e-6);
+    EXPECT_EQ(param(kQR), param(kQ));
 }
 
 TEST_F(PlotScript, InformationPageIgnoresTheWheelUntilAClickReturnsToThePlot) {
@@ -236,34 +186,28 @@ TEST_F(PlotScript, InformationPageIgnoresTheWheelUntilAClickReturnsToThePlot) {
     editor().infoClicked();  // the settings page
     editor().infoClicked();  // the information
     wheel(empty, 1);
-    EXPECT_EQ(value(kPlotRange), 0.5f);
-    click(frame(), empty.x, empty.y);
+    EXPECT_EQ(param(kPlotRange), 0.5f);
+    click(empty);
     wheel(empty, 1);
-    EXPECT_NEAR(value(kPlotRange), 0.6f, 1e-6);
+    EXPECT_NEAR(param(kPlotRange), 0.6f, 1e-6);
 }
 
 TEST_F(PlotScript, AutomaticRangeFitsTheLoudestFeature) {
-    struct Case {
-        const char* what;
-        int type;
-        double gainDb;
-    };
-    const Case cases[] = {{"flat", 3, 0}, {"a +12 dB peak", 3, 12}, {"a 22 dB boost", 3, 22}, {"a cut", 3, -12}};
-    for (const Case& c : cases) {
-        band(0, c.type, kOneKilohertz, gainValueForDb(c.gainDb));
+    // A band of ±12 dB: the range that shows its curve's peak with a tenth to spare.
+    for (double dB : {12.0, -12.0}) {
+        band(0, 3, kOneKilohertz, gainValueForDb(dB));
         p().setParameter(kAutoZoom, 0.75f);
         float peak = 0;
-        for (float dB : p().getBandCurves(0, 0)) peak = std::max(peak, std::fabs(dB));
-        const double wanted = std::clamp((2.0 - std::log2(1.1 * peak / 6.0)) / 3.0, 0.0, 1.0);
-        EXPECT_NEAR(value(kPlotRange), wanted, 1e-5) << c.what;
+        for (float curve : p().getBandCurves(0, 0)) peak = std::max(peak, std::fabs(curve));
+        EXPECT_NEAR(param(kPlotRange), (2.0 - std::log2(1.1 * peak / 6.0)) / 3.0, 1e-5) << dB;
         p().setParameter(kAutoZoom, 0.25f);
     }
     band(0, 3, kOneKilohertz, gainValueForDb(0));
-    p().setParameter(kAutoZoom, 0.75f);
-    EXPECT_EQ(value(kPlotRange), 1.0f) << "flat: the closest range, ±3 dB";
+    p().setParameter(kAutoZoom, 0.75f);  // switching it on applies it
+    EXPECT_EQ(param(kPlotRange), 1.0f) << "flat: the closest range, ±3 dB";
     band(0, 3, kOneKilohertz, gainValueForDb(22));
     p().applyAutoZoom();
-    EXPECT_EQ(value(kPlotRange), 0.0f) << "beyond 21.8 dB: the widest range, ±24 dB";
+    EXPECT_EQ(param(kPlotRange), 0.0f) << "beyond 21.8 dB: the widest range, ±24 dB";
 }
 
 // Row centres of the settings page, and how many values each row steps through.
@@ -294,14 +238,14 @@ TEST_F(PlotScript, SettingsRowsCycleAroundAndPersistThroughTheStore) {
     for (const Row& r : kRows) {
         const int first = current(r);
         for (int i = 1; i <= r.count; ++i) {
-            click(frame(), r.at.x, r.at.y);
+            click(r.at);
             const int shown = r.item == 1 ? 1 - current(r) : current(r);  // AUTOMATIC is listed first
             const int firstShown = r.item == 1 ? 1 - first : first;
             EXPECT_EQ(shown, (firstShown + i) % r.count) << "item " << r.item << " click " << i;
         }
-        click(frame(), r.at.x, r.at.y);  // one past the start, then stored
+        click(r.at);  // one past the start, then stored
     }
-    click(frame(), kStoreButton.x, kStoreButton.y);
+    click(kStoreButton);
     std::vector<int> stored;
     for (const Row& r : kRows) stored.push_back(current(r));
 
@@ -314,15 +258,12 @@ TEST_F(PlotScript, SettingsRowsCycleAroundAndPersistThroughTheStore) {
 TEST_F(PlotScript, GainRowDragsTheDriveAndExitLeavesThePage) {
     editor().showSettingsPage();
     p().setParameter(kSpanDrive, 1.0f / 3);  // 0 dB
-    CPoint at = kGainRow;
-    frame().onMouseDown(at, kLButton);
-    move(CPoint(at.x + 80, at.y - 40), kLButton);  // +2 dB and +2 dB
-    release(at);
-    EXPECT_NEAR(value(kSpanDrive) * 36 - 12, 4.0, 1e-4);
-    click(frame(), kExitButton.x, kExitButton.y);
-    const float range = value(kPlotRange);
+    drag(kGainRow, 80, -40);  // +2 dB and +2 dB
+    EXPECT_NEAR(param(kSpanDrive) * 36 - 12, 4.0, 1e-4);
+    click(kExitButton);
+    const float range = param(kPlotRange);
     wheel(CPoint(200, 50), 1);  // the plot again: the wheel zooms
-    EXPECT_NE(value(kPlotRange), range);
+    EXPECT_NE(param(kPlotRange), range);
 }
 
 }  // namespace

@@ -5,13 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "gui/Editor.h"
-#include "unit/plugin/PluginHarness.h"
-#include "unit/toolkit/ToolkitSupport.h"
+#include "EditorScriptFixture.h"
 
 namespace {
 
@@ -25,30 +19,10 @@ CPoint soloSpot(int b) { return {kSoloLeft[b] + 10, 475}; }
 constexpr CPoint kPanelSpot(400, 60);
 constexpr CColor kHot{229, 53, 5, 255}, kCold{79, 79, 79, 255};
 
-void writeSnapshot(Editor& editor, const char* name) {
-    if (const char* dir = std::getenv("TYX_SNAPSHOT_DIR")) {
-        EXPECT_TRUE(editor.writeSnapshot(std::string(dir) + "/" + name));
-    }
-}
-
-class SwitchesScript : public ::testing::Test {
+class SwitchesScript : public EditorScriptFixture {
 protected:
-    SwitchesScript() { editor().openOffscreen(); }
-    ~SwitchesScript() override { editor().close(); }
-
-    Plugin& p() { return *h.plugin; }
-    Editor& editor() { return *p().getPluginEditor(); }
-    CFrame& frame() { return *editor().getFrame(); }
-    void click(CPoint at, int32_t buttons = kLButton) { ::click(frame(), at.x, at.y, buttons); }
-    void wheel(CPoint at, float distance) { frame().onWheel(at, CMouseWheelAxis::kVertical, distance, 0); }
     CColor pixel(int x, int y) { return frame().getImage().pixel(x, y); }
-
-    int step(int index, int steps) { return params::quantize(p().getParameter(index), steps); }
-    int type(int index) { return step(index, 14); }
-    void setType(int index, int s) { p().setParameter(index, params::stepCentre(s, 14)); }
     int solo() { return step(params::kSolo, 256); }
-
-    PluginHarness h;
 };
 
 }  // namespace
@@ -62,7 +36,7 @@ TEST_F(SwitchesScript, WheelStaysOnTheBandsSideOfBypass) {
     for (const Case& c : {Case{10, -5, 7}, Case{10, -1, 9}, Case{3, 20, 6}, Case{3, -1, 2}, Case{0, -3, 0}}) {
         setType(params::kType + 4, c.from);
         wheel(listSpot(4), c.distance);
-        EXPECT_EQ(type(params::kType + 4), c.to) << c.from << " by " << c.distance;
+        EXPECT_EQ(typeStep(params::kType + 4), c.to) << c.from << " by " << c.distance;
     }
 }
 
@@ -73,24 +47,30 @@ TEST_F(SwitchesScript, ListRowKeepsTheBypassState) {
     for (const Case& c : {Case{10, 4, 11}, Case{3, 4, 4}, Case{8, 0, 7}, Case{6, 0, 0}}) {
         setType(params::kType, c.from);
         click(listSpot(0));
-        if (c.from == 3) writeSnapshot(editor(), "popup-open.png");
+        if (c.from == 3) writeSnapshot("popup-open.png");
         click(listRow(0, c.from % 7, c.row), kRButton);  // only a left click closes the list
         click(listRow(0, c.from % 7, c.row));
-        EXPECT_EQ(type(params::kType), c.to) << c.from << " row " << c.row;
+        EXPECT_EQ(typeStep(params::kType), c.to) << c.from << " row " << c.row;
     }
     click(listSpot(0));
     click(kPanelSpot);  // beside the rows: the list closes, nothing changes
-    EXPECT_EQ(type(params::kType), 0);
+    EXPECT_EQ(typeStep(params::kType), 0);
 }
 
-TEST_F(SwitchesScript, LeftThirteenPixelsToggleBypass) {
+TEST_F(SwitchesScript, LeftThirteenPixelsToggleBypassAndABandOffOnBothSidesLeavesSolo) {
     // Band 2's switch starts at x = 144: pixels 144..156 toggle, 157 opens the list.
     for (auto [x, to] : {std::pair{144.0, 9}, {156.0, 9}, {157.0, 2}}) {
         setType(params::kType + 1, 2);
         click({x, 252});
-        EXPECT_EQ(type(params::kType + 1), to) << x;
+        EXPECT_EQ(typeStep(params::kType + 1), to) << x;
         click(kPanelSpot);
     }
+    p().setParameter(params::kChannel, 1.0f);  // LINK: the toggle reaches both sides
+    p().setParameter(params::kSolo, params::stepCentre(0b11, 256));
+    click({144, 252});
+    EXPECT_EQ(solo(), 0b01);
+    click({144, 252});
+    EXPECT_EQ(solo(), 0b11);
 }
 
 TEST_F(SwitchesScript, SwitchesShowAndEditTheSideChannelSelects) {
@@ -98,11 +78,11 @@ TEST_F(SwitchesScript, SwitchesShowAndEditTheSideChannelSelects) {
     setType(params::kTypeR + 2, 3);
     p().setParameter(params::kChannel, params::stepCentre(1, 3));  // RIGHT: the switch shows step 3
     wheel(listSpot(2), 20);
-    EXPECT_EQ(type(params::kTypeR + 2), 6);
-    EXPECT_EQ(type(params::kType + 2), 10);
+    EXPECT_EQ(typeStep(params::kTypeR + 2), 6);
+    EXPECT_EQ(typeStep(params::kType + 2), 10);
     p().setParameter(params::kChannel, params::stepCentre(0, 3));  // LEFT: back to step 10
     wheel(listSpot(2), -20);
-    EXPECT_EQ(type(params::kType + 2), 7);
+    EXPECT_EQ(typeStep(params::kType + 2), 7);
 }
 
 TEST_F(SwitchesScript, SoloButtonsToggleGapsDoNothingModifiedClicksClear) {
@@ -126,7 +106,7 @@ TEST_F(SwitchesScript, SoloDropsBandsOffOnBothSides) {
         click(soloSpot(band));
     }
     EXPECT_EQ(solo(), 0b101);  // band 2 is off on both sides
-    const auto edits = h.host.of(audioMasterBeginEdit);
+    const auto edits = h->host.of(audioMasterBeginEdit);
     EXPECT_EQ(edits.empty() ? -1 : edits.back().index, params::kSolo);
 }
 
@@ -142,9 +122,7 @@ TEST_F(SwitchesScript, ResolutionSegmentsSetTheirStep) {
 
 TEST_F(SwitchesScript, HotSignalTurnsAReadoutRedAndALeftClickClearsBoth) {
     constexpr int kBlock = 512;
-    p().setSampleRate(48000.0f);
-    p().setBlockSize(kBlock);
-    p().resume();
+    startAudio();
     std::vector<float> left(kBlock, 0.0f), right(kBlock, 0.0f), outL(kBlock), outR(kBlock);
     for (int i = 0; i < kBlock; i += 64) left[i] = 1.5f, right[i] = -0.25f;
     float* in[2] = {left.data(), right.data()};
@@ -158,7 +136,7 @@ TEST_F(SwitchesScript, HotSignalTurnsAReadoutRedAndALeftClickClearsBoth) {
     frame().redrawDirty();
     EXPECT_EQ(pixel(51, 166), kHot);
     EXPECT_EQ(pixel(511, 166), kCold);
-    writeSnapshot(editor(), "meters-red.png");
+    writeSnapshot("meters-red.png");
 
     click({526, 169}, kRButton);
     p().getOutputPeaks(first, second);

@@ -4,17 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <cstdlib>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "gui/Editor.h"
-#include "unit/plugin/PluginHarness.h"
-#include "unit/toolkit/ToolkitSupport.h"
+#include "EditorScriptFixture.h"
 
 namespace {
 
@@ -30,34 +23,17 @@ constexpr CPoint kJogLowerLeft(605, 119), kJogLowerRight(685, 119), kJogDeadRing
 constexpr CPoint kEmptyPanel(560, 200);  // no control there
 
 constexpr float kLeft = 0.0f, kRight = 0.5f, kLink = 1.0f;  // Channel values
-int step(float v, int n) { return params::quantize(v, n); }
-float typeValue(int typeStep) { return params::stepCentre(typeStep, params::kBandTypeSteps); }
 
-class ValueControlsScript : public ::testing::Test {
+class ValueControlsScript : public EditorScriptFixture {
 protected:
     ValueControlsScript() {
         p().setParameter(params::kAutoZoom, 0.25f);
         p().setParameter(params::kChannel, kLink);
-        editor().openOffscreen();
-        h.host.calls.clear();
+        h->host.calls.clear();
     }
-    ~ValueControlsScript() override { editor().close(); }
 
-    Plugin& p() { return *h.plugin; }
-    Editor& editor() { return *p().getPluginEditor(); }
-    CFrame& frame() { return *editor().getFrame(); }
-    float param(int index) { return p().getParameter(index); }
-
-    void drag(CPoint from, double dx, double dy, int32_t buttons = kLButton) {
-        press(frame(), from.x, from.y, buttons);
-        move(frame(), from.x + dx, from.y + dy, buttons);
-        release(frame(), from.x + dx, from.y + dy, buttons);
-    }
-    void wheel(CPoint at, float distance, int32_t modifiers = 0) {
-        frame().onWheel(at, CMouseWheelAxis::kVertical, distance, modifiers);
-    }
-    void type(CPoint field, const std::string& text) {
-        click(frame(), field.x, field.y, kLButton | kDoubleClick);
+    void typeInto(CPoint field, const std::string& text) {
+        click(field, kLButton | kDoubleClick);
         for (char c : text) {
             VstKeyCode key{c, 0, 0};
             editor().onKeyDown(key);
@@ -67,11 +43,9 @@ protected:
     }
     std::vector<int> begunEdits() const {
         std::vector<int> indexes;
-        for (const auto& c : h.host.of(audioMasterBeginEdit)) indexes.push_back(c.index);
+        for (const auto& c : h->host.of(audioMasterBeginEdit)) indexes.push_back(c.index);
         return indexes;
     }
-
-    PluginHarness h;
 };
 
 struct SideCase {
@@ -85,7 +59,7 @@ TEST_F(ValueControlsScript, AKnobDragWritesAndBracketsTheSidesChannelSelects) {
         p().setParameter(params::kChannel, c.channel);
         p().setParameter(params::kFreq + 1, 0.5f);
         p().setParameter(params::kFreqR + 1, 0.5f);
-        h.host.calls.clear();
+        h->host.calls.clear();
         drag(kFrequencyKnob[1], 0, -50);  // a tenth of the range
         EXPECT_NEAR(param(params::kFreq + 1), c.left ? 0.6f : 0.5f, 1e-6) << c.channel;
         EXPECT_NEAR(param(params::kFreqR + 1), c.right ? 0.6f : 0.5f, 1e-6) << c.channel;
@@ -93,21 +67,21 @@ TEST_F(ValueControlsScript, AKnobDragWritesAndBracketsTheSidesChannelSelects) {
         if (c.left) expected.push_back(params::kFreq + 1);
         if (c.right) expected.push_back(params::kFreqR + 1);
         EXPECT_EQ(begunEdits(), expected) << c.channel;
-        EXPECT_EQ(h.host.of(audioMasterEndEdit).size(), expected.size()) << c.channel;
+        EXPECT_EQ(h->host.of(audioMasterEndEdit).size(), expected.size()) << c.channel;
     }
 }
 
 TEST_F(ValueControlsScript, ShiftPressedMidDragChangesOnlyTheSensitivity) {
     p().setParameter(params::kGain, 0.5f);
     const CPoint k = kGainKnob[0];
-    press(frame(), k.x, k.y);
-    move(frame(), k.x, k.y - 100, kLButton);
+    press(k);
+    move(CPoint(k.x, k.y - 100), kLButton);
     EXPECT_NEAR(param(params::kGain), 0.7f, 1e-5);
-    move(frame(), k.x, k.y - 101, kLButton | kShift);  // the pixel that brought Shift still counts at 1/500
+    move(CPoint(k.x, k.y - 101), kLButton | kShift);  // the pixel that brought Shift still counts at 1/500
     EXPECT_NEAR(param(params::kGain), 0.702f, 1e-5);
-    move(frame(), k.x, k.y - 226, kLButton | kShift);  // then 1/1250 per pixel
+    move(CPoint(k.x, k.y - 226), kLButton | kShift);  // then 1/1250 per pixel
     EXPECT_NEAR(param(params::kGain), 0.802f, 1e-5);
-    release(frame(), k.x, k.y - 226);
+    ::release(frame(), k.x, k.y - 226);
 }
 
 TEST_F(ValueControlsScript, OneWheelUnitMovesAHundredthOrWithShiftAThousandth) {
@@ -116,8 +90,12 @@ TEST_F(ValueControlsScript, OneWheelUnitMovesAHundredthOrWithShiftAThousandth) {
     EXPECT_NEAR(param(params::kGain), 0.51f, 1e-6);
     wheel(kGainKnob[0], -1, kShift);
     EXPECT_NEAR(param(params::kGain), 0.509f, 1e-6);
+    h->host.calls.clear();
+    wheel({300, 173}, 1);  // the header left of its output: nothing
     wheel(kHeaderOutput, 1);
     EXPECT_NEAR(param(params::kOutput), 0.51f, 1e-6);
+    EXPECT_EQ(begunEdits(), std::vector<int>{params::kOutput}) << "one edit per wheel step";
+    EXPECT_EQ(h->host.of(audioMasterEndEdit).size(), 1u);
     wheel(kOutputKnob, 1);
     EXPECT_NEAR(param(params::kOutput), 0.52f, 1e-6);
     p().setParameter(params::kPlotRange, 0.5f);
@@ -143,7 +121,7 @@ TEST_F(ValueControlsScript, CtrlClickPutsDefaultsBack) {
     p().setParameter(params::kOutput, 0.8f);
     p().setParameter(params::kPlotRange, 0.9f);
     p().setParameter(params::kFreq + 2, 0.8f);
-    for (CPoint at : {kGainKnob[2], kOutputKnob, kJogCentre, kFrequencyKnob[2]}) click(frame(), at.x, at.y, kLButton | kControl);
+    for (CPoint at : {kGainKnob[2], kOutputKnob, kJogCentre, kFrequencyKnob[2]}) click(at, kLButton | kControl);
     EXPECT_EQ(param(params::kGain + 2), 0.5f);
     EXPECT_EQ(param(params::kGainR + 2), 0.5f);
     EXPECT_EQ(param(params::kOutput), 0.5f);
@@ -172,9 +150,9 @@ const TypingCase kTypingCases[] = {
 
 TEST_F(ValueControlsScript, DoubleClickOpensTypingInDisplayUnits) {
     for (const TypingCase& c : kTypingCases) {
-        p().setParameter(params::kType, typeValue(c.bandType));
+        setType(params::kType, c.bandType);
         for (int index : {params::kFreq, params::kQ, params::kGain, params::kOutput}) p().setParameter(index, 0.25f);
-        type(c.field, c.text);
+        typeInto(c.field, c.text);
         EXPECT_NEAR(param(c.index), c.expected < 0 ? 0.25 : c.expected, 1e-5) << c.what;
     }
 }
@@ -213,31 +191,31 @@ TEST_F(ValueControlsScript, JogRingButtons) {
         p().setParameter(params::kChannel, c.channel);
         p().setParameter(params::kSpan, 0.25f);
         p().setParameter(params::kLrMs, 0.25f);
-        click(frame(), c.at.x, c.at.y, c.buttons);
-        EXPECT_EQ(step(param(params::kListen), 3), c.listenAfter) << c.what;
-        EXPECT_EQ(step(param(params::kChannel), 3), c.channelStepAfter) << c.what;
-        EXPECT_EQ(step(param(params::kSpan), 2), c.spanAfter) << c.what;
-        EXPECT_EQ(step(param(params::kLrMs), 2), c.midSideAfter) << c.what;
+        click(c.at, c.buttons);
+        EXPECT_EQ(step(params::kListen, 3), c.listenAfter) << c.what;
+        EXPECT_EQ(step(params::kChannel, 3), c.channelStepAfter) << c.what;
+        EXPECT_EQ(step(params::kSpan, 2), c.spanAfter) << c.what;
+        EXPECT_EQ(step(params::kLrMs, 2), c.midSideAfter) << c.what;
     }
 }
 
 TEST_F(ValueControlsScript, TogglesAreOneEditEachAndListeningIsNone) {
     p().setParameter(params::kListen, params::stepCentre(0, 3));
-    click(frame(), kJogLowerRight.x, kJogLowerRight.y);
-    click(frame(), kJogLowerLeft.x, kJogLowerLeft.y);
-    click(frame(), kJogUpperLeft.x, kJogUpperLeft.y, kRButton);
+    click(kJogLowerRight);
+    click(kJogLowerLeft);
+    click(kJogUpperLeft, kRButton);
     EXPECT_EQ(begunEdits(), (std::vector<int>{params::kLrMs, params::kSpan}));
 }
 
 TEST_F(ValueControlsScript, LinkingDropsBandsOffOnBothSidesFromSolo) {
     p().setParameter(params::kChannel, kLeft);
-    p().setParameter(params::kType, typeValue(3));
-    p().setParameter(params::kType + 1, typeValue(9));
-    p().setParameter(params::kTypeR + 1, typeValue(10));
+    setType(params::kType, 3);
+    setType(params::kType + 1, 9);
+    setType(params::kTypeR + 1, 10);
     p().setParameter(params::kSolo, params::stepCentre(0b11, 256));
-    click(frame(), kJogTop.x, kJogTop.y);
-    EXPECT_EQ(step(param(params::kChannel), 3), 2);
-    EXPECT_EQ(step(param(params::kSolo), 256), 0b01);
+    click(kJogTop);
+    EXPECT_EQ(step(params::kChannel, 3), 2);
+    EXPECT_EQ(step(params::kSolo, 256), 0b01);
 }
 
 TEST_F(ValueControlsScript, WithAMonoInputOnlyTheKnobAndTheAnalyzerButtonAnswer) {
@@ -245,46 +223,27 @@ TEST_F(ValueControlsScript, WithAMonoInputOnlyTheKnobAndTheAnalyzerButtonAnswer)
     editor().setMonoInput(true);
     editor().openOffscreen();
     p().setParameter(params::kSpan, 0.25f);
-    for (CPoint at : {kJogUpperLeft, kJogUpperRight, kJogTop, kJogLowerRight}) click(frame(), at.x, at.y, kRButton);
-    EXPECT_EQ(step(param(params::kChannel), 3), 2);
-    EXPECT_EQ(step(param(params::kListen), 3), 0);
-    EXPECT_EQ(step(param(params::kLrMs), 2), 0);
-    click(frame(), kJogLowerLeft.x, kJogLowerLeft.y);
-    EXPECT_EQ(step(param(params::kSpan), 2), 1);
+    for (CPoint at : {kJogUpperLeft, kJogUpperRight, kJogTop, kJogLowerRight}) click(at, kRButton);
+    EXPECT_EQ(step(params::kChannel, 3), 2);
+    EXPECT_EQ(step(params::kListen, 3), 0);
+    EXPECT_EQ(step(params::kLrMs, 2), 0);
+    click(kJogLowerLeft);
+    EXPECT_EQ(step(params::kSpan, 2), 1);
     p().setParameter(params::kPlotRange, 0.5f);
     drag(kJogCentre, 0, -30);
     EXPECT_NEAR(param(params::kPlotRange), 0.6f, 1e-6);
 }
 
-// Peak of the left output over the second half of a 5 kHz sine of amplitude 0.5.
-float outputPeak(Plugin& p, double seconds) {
-    constexpr int kRate = 48000, kBlock = 512;
-    const int kTotal = static_cast<int>(seconds * kRate);
-    std::vector<float> in(kBlock), outL(kBlock), outR(kBlock);
-    float peak = 0;
-    for (int start = 0; start < kTotal; start += kBlock) {
-        for (int i = 0; i < kBlock; ++i) in[i] = 0.5f * static_cast<float>(std::sin(2 * M_PI * 5000.0 * (start + i) / kRate));
-        float* inputs[2] = {in.data(), in.data()};
-        float* outputs[2] = {outL.data(), outR.data()};
-        p.processReplacing(inputs, outputs, kBlock);
-        if (start >= kTotal / 2)
-            for (float y : outL) peak = std::max(peak, std::fabs(y));
-    }
-    return peak;
-}
-
 TEST_F(ValueControlsScript, RightClickOnAFrequencyKnobAuditionsItsBandUntilThePointerLeaves) {
-    p().setSampleRate(48000);
-    p().setBlockSize(512);
-    p().resume();
+    startAudio();
     p().setParameter(params::kFreq, static_cast<float>(std::log10(5.0) / 3));  // band 1 at 100 Hz
     const CPoint k = kFrequencyKnob[0];
-    EXPECT_NEAR(outputPeak(p(), 1.5), 0.5f, 0.01f);  // past the reported latency
-    move(frame(), k.x, k.y);
-    click(frame(), k.x, k.y, kRButton);
-    EXPECT_LT(outputPeak(p(), 0.2), 0.05f) << "5 kHz far outside the 100 Hz band-pass";
-    move(frame(), kEmptyPanel.x, kEmptyPanel.y);
-    EXPECT_NEAR(outputPeak(p(), 0.2), 0.5f, 0.01f);
+    EXPECT_NEAR(peakOfSine(5000, 1.5), 0.5f, 0.01f);  // past the reported latency
+    move(k);
+    click(k, kRButton);
+    EXPECT_LT(peakOfSine(5000, 0.2), 0.05f) << "5 kHz far outside the 100 Hz band-pass";
+    move(kEmptyPanel);
+    EXPECT_NEAR(peakOfSine(5000, 0.2), 0.5f, 0.01f);
 }
 
 // Idles the editor (its own 25 ms gate) until the header's drive line, shown for the first
@@ -309,24 +268,22 @@ std::vector<CColor> headerPixels(CFrame& frame) {
 }
 
 TEST_F(ValueControlsScript, SelectedBandShowsInTheHeaderAndAHoveredOneWhileHovered) {
-    p().setParameter(params::kType + 2, typeValue(3));
+    setType(params::kType + 2, 3);
     p().setParameter(params::kFreq + 2, 0.5f);
     p().setParameter(params::kGain + 2, 0.625f);
     p().setParameter(params::kQ + 2, 0.6f);
     p().setParameter(params::kSpan, 0.75f);
-    move(frame(), kGainKnob[2].x, kGainKnob[2].y);
-    click(frame(), kGainKnob[2].x, kGainKnob[2].y);
+    move(kGainKnob[2]);
+    click(kGainKnob[2]);
     idlePastTheDriveLine(editor());
-    move(frame(), kEmptyPanel.x, kEmptyPanel.y);  // off the knobs: still the selected band
+    move(kEmptyPanel);  // off the knobs: still the selected band
     const std::vector<CColor> selected = headerPixels(frame());
     // The band number's highlighted cell: its sixth column carries no ink.
     EXPECT_EQ(frame().getImage().pixel(91, 170), (CColor{79, 79, 79, 255}));
-    if (const char* dir = std::getenv("TYX_SNAPSHOT_DIR")) {
-        EXPECT_TRUE(editor().writeSnapshot(std::string(dir) + "/band-selected.png"));
-    }
-    move(frame(), kQKnob1.x, kQKnob1.y);
+    writeSnapshot("band-selected.png");
+    move(kQKnob1);
     EXPECT_NE(headerPixels(frame()), selected) << "band 1 hovered";
-    move(frame(), kEmptyPanel.x, kEmptyPanel.y);
+    move(kEmptyPanel);
     EXPECT_EQ(headerPixels(frame()), selected);
 }
 

@@ -40,22 +40,7 @@ protected:
 
     void spanOn(bool on) { p.setParameter(params::kSpan, params::stepCentre(on ? 1 : 0, 2)); }
 
-    // Peak of the left output over the last half of `seconds` of a sine at f Hz, amplitude a.
-    float run(double f, double seconds, float a = 0.5f) {
-        const int total = static_cast<int>(seconds * kRate);
-        std::vector<float> in(kBlock), outL(kBlock), outR(kBlock);
-        float peak = 0.0f;
-        for (int start = 0; start < total; start += kBlock) {
-            for (int i = 0; i < kBlock; ++i)
-                in[i] = a * static_cast<float>(std::sin(2.0 * std::numbers::pi * f * (start + i) / kRate));
-            float* inputs[2] = {in.data(), in.data()};
-            float* outputs[2] = {outL.data(), outR.data()};
-            p.processReplacing(inputs, outputs, kBlock);
-            if (start >= total / 2)
-                for (float y : outL) peak = std::max(peak, std::fabs(y));
-        }
-        return peak;
-    }
+    float run(double f, double seconds, float a = 0.5f) { return peakOfSine(p, f, seconds, a); }
 
     std::vector<float> bars() {
         std::vector<float> b(31, 0.0f);

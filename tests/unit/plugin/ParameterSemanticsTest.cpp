@@ -151,12 +151,3 @@ TEST_F(ParameterSemantics, SelectPresetTellsTheHostOnce) {
     p.selectPreset(99);  // a bad index falls back to the first preset
     EXPECT_EQ(p.getCurrentPreset(), 0);
 }
-
-// Frame and partition lengths show in the delay the built library really has; here only the
-// rates a host should never send.
-TEST_F(ParameterSemantics, UnsupportedSampleRatesRunAt44100) {
-    for (float odd : {4999.9f, 250000.0f, std::nanf("")}) {
-        p.setSampleRate(odd);
-        EXPECT_EQ(p.integerSampleRate(), 44100) << odd;
-    }
-}

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <numbers>
 #include <vector>
 
 #include "plugin/Plugin.h"
@@ -58,3 +61,22 @@ protected:
     PluginHarness h;
     Plugin& p = *h.plugin;
 };
+
+// Runs a sine of f Hz and amplitude a into both inputs of a plug-in resumed at 48 kHz with
+// blocks of 512, for `seconds`; the peak of the left output over the second half.
+inline float peakOfSine(Plugin& p, double f, double seconds, float a = 0.5f) {
+    constexpr int kBlock = 512;
+    constexpr double kRate = 48000.0;
+    const int total = static_cast<int>(seconds * kRate);
+    std::vector<float> in(kBlock), outL(kBlock), outR(kBlock);
+    float* inputs[2] = {in.data(), in.data()};
+    float* outputs[2] = {outL.data(), outR.data()};
+    float peak = 0.0f;
+    for (int start = 0; start < total; start += kBlock) {
+        for (int i = 0; i < kBlock; ++i) in[i] = a * static_cast<float>(std::sin(2.0 * std::numbers::pi * f * (start + i) / kRate));
+        p.processReplacing(inputs, outputs, kBlock);
+        if (2 * start >= total)
+            for (float y : outL) peak = std::max(peak, std::fabs(y));
+    }
+    return peak;
+}

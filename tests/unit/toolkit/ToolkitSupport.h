@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "gui/toolkit/CBitmap.h"
 #include "gui/toolkit/CControl.h"
 #include "gui/toolkit/CControlListener.h"
 #include "gui/toolkit/CFrame.h"
@@ -61,6 +62,19 @@ inline std::vector<unsigned char> makePng(int width, int height, const std::vect
         &png);
     cairo_surface_destroy(s);
     return png;
+}
+
+// A font sheet of 192 glyph cells 8 pixels apart, 9 high: glyph i's first five columns and eight
+// rows opaque in colour (i, 255 − i, sheet), column 5 and row 8 transparent, so that what lands
+// on screen names the glyph and the sheet it came from.
+inline CBitmap* glyphSheet(uint8_t sheet) {
+    constexpr int width = 8 * 192, height = 9;
+    std::vector<uint32_t> argb(width * height, 0);
+    for (int i = 0; i < 192; ++i)
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 5; ++x) argb[y * width + 8 * i + x] = 0xff000000u | uint32_t(i) << 16 | uint32_t(255 - i) << 8 | sheet;
+    const auto png = makePng(width, height, argb);
+    return new CBitmap(png.data(), png.size());
 }
 
 inline void press(CFrame& frame, double x, double y, int32_t buttons = kLButton) {
