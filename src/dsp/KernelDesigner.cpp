@@ -6,6 +6,7 @@
 #include <emmintrin.h>
 
 #include "dsp/PartitionSpectra.h"
+#include "dsp/SidePair.h"
 #include "dsp/SpectrumMac.h"
 
 namespace dsp {
@@ -79,6 +80,10 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
 // independent, so the processor overlaps their recursions; each band still computes exactly
 // what it computes sample by sample in series.
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB) {
+    if (avx2Usable()) {
+        cascadeImpulseResponsesAvx2(sections, half, kDenormalGuard, sideA, sideB);
+        return;
+    }
     struct Band {
         __m128d b0, b1, b2, a1, a2;
         __m128d x1 = _mm_setzero_pd(), x2 = _mm_setzero_pd(), y1 = _mm_setzero_pd(), y2 = _mm_setzero_pd();

@@ -43,6 +43,10 @@ namespace dsp {
 // half-interleaved layout). The two sides run side by side: their recursions are
 // independent, so the processor overlaps them.
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB);
+// The same on 256-bit registers, with the same numbers; only where AVX2 is usable. `guard`
+// is the value added and taken away after every section output.
+void cascadeImpulseResponsesAvx2(const BiquadCoefficients (&sections)[kBandSlots], int half, double guard,
+                                 double* sideA, double* sideB);
 
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
