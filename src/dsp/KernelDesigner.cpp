@@ -27,8 +27,9 @@ KernelDesigner::KernelDesigner(FftFamily family)
       workB_(2 * kMaxFrameSize),
       taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
       multiplyScratch_(2 * kMaxFrameSize),
-      window_(kMaxFrameSize / 2),
-      displayScratch_(KernelDisplay::kScratchDoubles) {}
+      window_(kMaxFrameSize / 2) {
+    static_assert(2 * kMaxFrameSize >= KernelDisplay::kScratchDoubles, "the display transform runs in the taps' buffer");
+}
 
 KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame,
                                          double designRate, bool linPhase, platform::TimedLock& processLock,
@@ -69,10 +70,11 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
         autocorrelate(response[side], n);
         windowInto(kernel[side], response[side], n);
     }
+    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
+    // The taps are not needed any more: the display transform runs in their buffer.
     if (measureCurves)
         for (int side = 0; side < kSides; ++side)
-            display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
-    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
+            display_.measure(kernel[side], n, designRate, fft_, kernel[side], measured_.side[side]);
 }
 
 // A wavefront: at step k, band j of both sides (one register, side A low, side B high) takes

@@ -16,8 +16,8 @@
 // Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
 // sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
 // one the audio thread holds; the time-domain kernels and the two sides' work buffers; the
-// Hamming half window (recomputed when N changes); the 65536-double scratch of the display
-// transform.
+// Hamming half window (recomputed when N changes). The display transform runs in the
+// time-domain kernels' buffers once they have been cut into partitions.
 //
 // Threads. buildKernels() takes the owner's process lock for the whole build: two builds
 // never overlap, and the sets, work buffers, window and scratch that a build touches are only
@@ -120,10 +120,9 @@ private:
     KernelSetExchange sets_;
     AlignedBuffer work_;
     AlignedBuffer workB_;
-    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
+    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries; then the display transform
     AlignedBuffer multiplyScratch_;  // the reader's, for multiplyByNewest()
     AlignedBuffer window_;
-    AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for
     KernelCurves measured_{};
 
