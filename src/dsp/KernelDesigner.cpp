@@ -146,20 +146,24 @@ void KernelDesigner::autocorrelate(double* h, int n) {
 
 // The kernel g[n] = r[|n − N/2|]·w(n), n = 0..N, centred on the autocorrelation's peak: the
 // rising half of the window on samples 0..N/2 − 1, mirrored onto N..N/2 + 1 (so the taps are
-// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero.
+// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero: samples
+// 0..N − 1 fill the even entries, sample N is entry 1, and each pass writes the odd entry
+// beside the even one, so no separate pass clears the buffer.
 void KernelDesigner::windowInto(double* kernel, const double* r, int n) {
     const double* w = window_.data();
     const int half = n / 2;
-    std::fill(kernel, kernel + 2 * static_cast<size_t>(n), 0.0);
-    kernel[2 * half] = r[0];
     const double edge = r[1] / 2.0 * w[0];  // lag N/2, counted twice (see autocorrelate)
     kernel[0] = edge;
     kernel[1] = edge;
     for (int k = 1; k < half; ++k) {
         const double g = r[2 * (half - k)] * w[k];
         kernel[2 * k] = g;
+        kernel[2 * k + 1] = 0.0;
         kernel[2 * (n - k)] = g;
+        kernel[2 * (n - k) + 1] = 0.0;
     }
+    kernel[2 * half] = r[0];
+    kernel[2 * half + 1] = 0.0;
 }
 
 void KernelDesigner::useWindowFor(int n) {
