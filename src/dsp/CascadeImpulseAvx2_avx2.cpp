@@ -53,8 +53,8 @@ void cascadeImpulseResponsesAvx2(const BiquadCoefficients (&sections)[kBandSlots
         }
         if (const int t = k - last; t >= 0) {
             const __m128d out = _mm256_extractf128_pd(reg[kRegisters - 1].y1, 1);
-            _mm_storel_pd(sideA + 2 * t, out);
-            _mm_storeh_pd(sideB + 2 * t, out);
+            _mm_storeu_pd(sideA + 2 * t, _mm_unpacklo_pd(out, _mm_setzero_pd()));
+            _mm_storeu_pd(sideB + 2 * t, _mm_unpackhi_pd(out, _mm_setzero_pd()));
         }
     }
 }

@@ -62,7 +62,6 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
     }
     // Each side's response h into the work buffers, its windowed autocorrelation into the taps.
     double* response[kSides] = {work_.data(), workB_.data()};
-    for (double* r : response) std::fill(r, r + n + 1, 0.0);  // all that the response and its correlation use
     cascadeImpulseResponses(sections, n / 2, response[0], response[1]);
     useWindowFor(n);
     double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
@@ -116,8 +115,8 @@ void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], i
             s.y1 = y;
         }
         if (const int t = k - last; t >= 0) {
-            _mm_storel_pd(sideA + 2 * t, band[last].y1);
-            _mm_storeh_pd(sideB + 2 * t, band[last].y1);
+            _mm_storeu_pd(sideA + 2 * t, _mm_unpacklo_pd(band[last].y1, _mm_setzero_pd()));
+            _mm_storeu_pd(sideB + 2 * t, _mm_unpackhi_pd(band[last].y1, _mm_setzero_pd()));
         }
     }
 }

@@ -40,7 +40,7 @@ namespace dsp {
 
 // The responses of both sides' cascades (slots 0..7 side A, 8..15 side B, band 1 first) to a
 // unit impulse, samples k = 0..half: sample k goes to entry 2k of sideA and sideB (the
-// half-interleaved layout). The two sides run side by side: their recursions are
+// half-interleaved layout) and zero to entry 2k + 1, so entries 0..2·half + 1 are all set. The two sides run side by side: their recursions are
 // independent, so the processor overlaps them.
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB);
 // The same on 256-bit registers, with the same numbers; only where AVX2 is usable. `guard`
