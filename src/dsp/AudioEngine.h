@@ -217,9 +217,7 @@ private:
                 y = P::make(xL, xR);
             } else {
                 y = ms.template encode<P>(xL, xR);
-                if constexpr (Kind == AudioPathKind::LinearUnity) {
-                    y = equalize(y, ops);
-                } else if constexpr (Kind == AudioPathKind::LinearDouble) {
+                if constexpr (Kind == AudioPathKind::LinearDouble) {
                     P inner[2];
                     doubleRate_.up(y, inner);
                     inner[0] = equalize(inner[0], ops);
@@ -237,6 +235,8 @@ private:
             }
             y.store(x + 2 * (i - start));
         }
+        // At the host rate the convolver takes the whole stretch at once.
+        if constexpr (Kind == AudioPathKind::LinearUnity) convolver_.processPairs(x, end - start, ops);
     }
 
     // The linear-phase equalizer at the internal rate, one sample of each side.
