@@ -20,8 +20,10 @@
 // Routine families. Each path's per-sample loop exists in the plain family (each side with
 // scalar arithmetic) and the SSE2 family (both sides in one register), chosen once at
 // construction and bit-identical in their results (SidePair.h); a block runs one compile-time
-// instance of the loop for its path, family and sample type. The minimum-phase paths run that
-// loop in stages over stretches of the block, so that the cascade sees many samples at once.
+// instance of the loop for its path, family and sample type. Every path runs in stages over
+// stretches of the block: the equalizer, then gain, compensation delay, output and peaks each
+// as a loop of its own, so that the minimum-phase cascade sees many samples at once and no
+// running maximum or sum waits on itself every sample.
 //
 // Hostile samples. A non-finite input sample enters as silence. A finite one can still
 // overflow a filter state; the value that shows it is kept out of the compensation delay and
@@ -147,6 +149,25 @@ private:
     void run(const ChannelBuffers<Sample>& io, int frames, const AudioBlockSettings& s, const MidSide& ms,
              PathConvolutionOps& ops, Feed& feed);
 
+    // step(chains[k], i) for i = 0..count − 1, sample i feeding chain i mod 4 (the last few
+    // chain 0): four independent running results where one would wait on itself every sample.
+    template <class P, class Step>
+    [[gnu::always_inline]] static void inFourChains(int count, P (&chains)[4], Step&& step) {
+        P c0 = chains[0], c1 = chains[1], c2 = chains[2], c3 = chains[3];
+        int i = 0;
+        for (; i + 4 <= count; i += 4) {
+            step(c0, i);
+            step(c1, i + 1);
+            step(c2, i + 2);
+            step(c3, i + 3);
+        }
+        for (; i < count; ++i) step(c0, i);
+        chains[0] = c0;
+        chains[1] = c1;
+        chains[2] = c2;
+        chains[3] = c3;
+    }
+
     static constexpr bool isMinimum(AudioPathKind kind) {
         return kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble;
     }
@@ -156,36 +177,66 @@ private:
         return MinimumPhaseCascade::kMaxBlock / (kind == AudioPathKind::MinimumDouble ? 2 : 1);
     }
 
-    // The minimum-phase paths' first two stages for host samples start..end − 1: the inputs
-    // encoded (and taken to twice the rate), then the cascade over all of them, into inner_.
+    // The equalizer's output for host samples start..end − 1 (the inputs made finite, encoded,
+    // equalized at the internal rate and brought back), as pairs into x; the bypass passes
+    // the finite inputs as they are.
     template <AudioPathKind Kind, class P, typename Sample>
-    void equalizeMinimum(const ChannelBuffers<Sample>& io, int start, int end, const MidSide& ms) {
-        double* v = inner_;
-        for (int i = start; i < end; ++i) {
-            const P x = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
-            if constexpr (Kind == AudioPathKind::MinimumDouble) {
-                P up[2];
-                doubleRate_.up(x, up);
-                up[0].store(v);
-                up[1].store(v + 2);
-                v += 4;
-            } else {
-                x.store(v);
-                v += 2;
+    void equalizeStretch(const ChannelBuffers<Sample>& io, int start, int end, const MidSide& ms,
+                         PathConvolutionOps& ops, double* x) {
+        if constexpr (isMinimum(Kind)) {
+            // The inputs encoded (and taken to twice the rate), then the cascade over all of them.
+            double* v = inner_;
+            for (int i = start; i < end; ++i) {
+                const P e = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
+                if constexpr (Kind == AudioPathKind::MinimumDouble) {
+                    P up[2];
+                    doubleRate_.up(e, up);
+                    up[0].store(v);
+                    up[1].store(v + 2);
+                    v += 4;
+                } else {
+                    e.store(v);
+                    v += 2;
+                }
             }
+            cascade_.process<P>(inner_, static_cast<int>(v - inner_) / 2);
+            if constexpr (Kind == AudioPathKind::MinimumDouble) {
+                for (int i = 0; i < end - start; ++i) {
+                    const P pair[2] = {P::load(inner_ + 4 * i), P::load(inner_ + 4 * i + 2)};
+                    doubleRate_.down(pair).store(x + 2 * i);
+                }
+            }
+            return;
         }
-        cascade_.process<P>(inner_, static_cast<int>(v - inner_) / 2);
-    }
-    // Its last stage's input for host sample i of the stretch that begins at `start`.
-    template <AudioPathKind Kind, class P>
-    P equalizedMinimum(int i, int start) {
-        if constexpr (Kind == AudioPathKind::MinimumDouble) {
-            const double* v = inner_ + 4 * (i - start);
-            const P pair[2] = {P::load(v), P::load(v + 2)};
-            return doubleRate_.down(pair);
-        } else {
-            return P::load(inner_ + 2 * (i - start));
+        for (int i = start; i < end; ++i) {
+            // A non-finite input sample never reaches a filter state: it would stay there for good.
+            const double xL = finiteOrZero(io.in[0][i]);
+            const double xR = finiteOrZero(io.in[1][i]);
+            P y;
+            if constexpr (Kind == AudioPathKind::Bypass) {
+                y = P::make(xL, xR);
+            } else {
+                y = ms.template encode<P>(xL, xR);
+                if constexpr (Kind == AudioPathKind::LinearDouble) {
+                    P inner[2];
+                    doubleRate_.up(y, inner);
+                    inner[0] = equalize(inner[0], ops);
+                    inner[1] = equalize(inner[1], ops);
+                    y = doubleRate_.down(inner);
+                } else if constexpr (Kind == AudioPathKind::LinearHalf) {
+                    P inner;
+                    if (halfRate_.down(y, inner)) halfRate_.up(equalize(inner, ops));
+                    y = halfRate_.template out<P>();
+                } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
+                    P inner;
+                    if (quarterRate_.down(y, inner)) quarterRate_.up(equalize(inner, ops));
+                    y = quarterRate_.template out<P>();
+                }
+            }
+            y.store(x + 2 * (i - start));
         }
+        // At the host rate the convolver takes the whole stretch at once.
+        if constexpr (Kind == AudioPathKind::LinearUnity) convolver_.processPairs(x, end - start, ops);
     }
 
     // The linear-phase equalizer at the internal rate, one sample of each side.
@@ -220,7 +271,11 @@ private:
     QuarterRateConverter quarterRate_;
     CompensationDelay delay_;
     AuditionFilter audition_;
+    // Host samples per stage of the other paths.
+    static constexpr int kStretch = MinimumPhaseCascade::kMaxBlock;
     alignas(16) double inner_[2 * MinimumPhaseCascade::kMaxBlock];  // the minimum-phase stretch, (A, B) pairs
+    alignas(16) double stretch_[2 * kStretch];                      // a stretch's pairs between the stages
+    double gains_[kStretch];                                        // a ramping gain's steps over a stretch
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -265,74 +320,61 @@ void AudioEngine::run(const ChannelBuffers<Sample>& io, int frames, const AudioB
     const bool auditioning = audition_.active();
     const bool feeding = s.feedAnalyzer;
     const bool gainSettled = gain_.settled();
-    P peak = P::zero();
-    P health = P::zero();  // stays zero while every sample leaving the equalizer is finite
+    // Four of each running result, so that neither forms one dependency chain through the block.
+    P peaks[4] = {P::zero(), P::zero(), P::zero(), P::zero()};
+    P health[4] = {P::zero(), P::zero(), P::zero(), P::zero()};  // zero while every sample leaving the equalizer is finite
 
-    // The minimum-phase paths run in stages over stretches of the block (equalizeMinimum);
-    // the others take each sample through the whole path.
-    const int stretch = isMinimum(Kind) ? minimumStretch(Kind) : frames;
+    // The block runs in stages over stretches of it: the equalizer takes each sample through
+    // its own path (the minimum-phase cascade a whole stretch at once), and every later stage
+    // is a plain loop over the stretch.
+    const int stretch = isMinimum(Kind) ? minimumStretch(Kind) : kStretch;
     for (int start = 0; start < frames; start += stretch) {
         const int end = std::min(frames, start + stretch);
-        if constexpr (isMinimum(Kind)) equalizeMinimum<Kind, P>(io, start, end, ms);
-        for (int i = start; i < end; ++i) {
-            // A non-finite input sample never reaches a filter state: it would stay there for good.
-            const double xL = finiteOrZero(io.in[0][i]);
-            const double xR = finiteOrZero(io.in[1][i]);
-            const double g = gainSettled ? gain_.current() : gain_.next();
-            P x;
+        const int count = end - start;
+        // MinimumUnity leaves its stretch in inner_ already, in host-rate pairs.
+        double* const x = Kind == AudioPathKind::MinimumUnity ? inner_ : stretch_;
+        equalizeStretch<Kind, P>(io, start, end, ms, ops, x);
 
-            if constexpr (Kind == AudioPathKind::Bypass) {
-                x = delay_.process(P::make(xL, xR));
-            } else {
-                if constexpr (isMinimum(Kind)) {
-                    x = equalizedMinimum<Kind, P>(i, start);
-                } else {
-                    x = ms.template encode<P>(xL, xR);
-                }
-                if constexpr (Kind == AudioPathKind::LinearUnity) {
-                    x = equalize(x, ops);
-                } else if constexpr (Kind == AudioPathKind::LinearDouble) {
-                    P inner[2];
-                    doubleRate_.up(x, inner);
-                    inner[0] = equalize(inner[0], ops);
-                    inner[1] = equalize(inner[1], ops);
-                    x = doubleRate_.down(inner);
-                } else if constexpr (Kind == AudioPathKind::LinearHalf) {
-                    P inner;
-                    if (halfRate_.down(x, inner)) halfRate_.up(equalize(inner, ops));
-                    x = halfRate_.template out<P>();
-                } else if constexpr (Kind == AudioPathKind::LinearQuarter) {
-                    P inner;
-                    if (quarterRate_.down(x, inner)) quarterRate_.up(equalize(inner, ops));
-                    x = quarterRate_.template out<P>();
-                }
-                // A finite input can still overflow a state; such a value is caught here, kept out
-                // of the compensation delay, and its path cleared at the end of the block.
-                x = x * (P::splat(g) * factors);
-                health = health + (x - x);
-                x = delay_.process(x.finiteOrZero());
-            }
+        if (!gainSettled)
+            for (int i = 0; i < count; ++i) gains_[i] = gain_.next();
+        if constexpr (Kind != AudioPathKind::Bypass) {
+            // A finite input can still overflow a state; such a value is caught here, kept out
+            // of the compensation delay, and its path cleared at the end of the block.
+            const P settled = P::splat(gain_.current()) * factors;
+            inFourChains(count, health, [&](P& sum, int i) {
+                const P y = P::load(x + 2 * i) * (gainSettled ? settled : P::splat(gains_[i]) * factors);
+                sum = sum + (y - y);
+                y.finiteOrZero().store(x + 2 * i);
+            });
+        }
+        delay_.processBlock(x, count);
 
-            if (!auditioning) {
+        if (!auditioning) {
+            for (int i = 0; i < count; ++i) {
+                const P v = P::load(x + 2 * i);
                 if (feeding) {
-                    const P w = weights * x;
+                    const P w = weights * v;
                     feed(finiteFloat(w.a() + w.b()));
                 }
-                const P y = Kind == AudioPathKind::Bypass ? x : ms.decode(x);
-                io.out[0][i] = static_cast<Sample>(y.a());
-                io.out[1][i] = static_cast<Sample>(y.b());
-            } else {
-                const double yL = audition_.process<Sample>(0, xL);
-                const double yR = audition_.process<Sample>(1, xR);
+                const P y = Kind == AudioPathKind::Bypass ? v : ms.decode(v);
+                io.out[0][start + i] = static_cast<Sample>(y.a());
+                io.out[1][start + i] = static_cast<Sample>(y.b());
+            }
+        } else {
+            for (int i = start; i < end; ++i) {
+                const double g = gainSettled ? gain_.current() : gains_[i - start];
+                const double yL = audition_.process<Sample>(0, finiteOrZero(io.in[0][i]));
+                const double yR = audition_.process<Sample>(1, finiteOrZero(io.in[1][i]));
                 if (feeding) feed(finiteFloat(s.analyzerWeightA * yL + s.analyzerWeightB * yR));
                 io.out[0][i] = static_cast<Sample>(yL * g);
                 io.out[1][i] = static_cast<Sample>(yR * g);
             }
-            PathPeakHold::trackPair(peak, x);
         }
+        inFourChains(count, peaks, [&](P& peak, int i) { PathPeakHold::trackPair(peak, P::load(x + 2 * i)); });
     }
+    const P peak = P::max(P::max(peaks[0], peaks[1]), P::max(peaks[2], peaks[3]));
     peaks_.raise(peak.a(), peak.b());
-    if (!health.bothZero()) clearPath(Kind);
+    if (!((health[0] + health[1]) + (health[2] + health[3])).bothZero()) clearPath(Kind);
 }
 
 }  // namespace dsp

@@ -31,6 +31,10 @@ public:
         return P::load(&ring_[2 * static_cast<size_t>(index_)]);
     }
 
+    // process() on `count` interleaved pairs in place, with the same results and ring
+    // afterwards, but moving whole runs of the ring at a time.
+    void processBlock(double* pairs, int count);
+
     // Silence in the ring and the index at 0 (after a pause).
     void clear();
 

@@ -6,6 +6,7 @@
 #include <emmintrin.h>
 
 #include "dsp/PartitionSpectra.h"
+#include "dsp/SidePair.h"
 #include "dsp/SpectrumMac.h"
 
 namespace dsp {
@@ -26,8 +27,9 @@ KernelDesigner::KernelDesigner(FftFamily family)
       workB_(2 * kMaxFrameSize),
       taps_{AlignedBuffer(2 * kMaxFrameSize), AlignedBuffer(2 * kMaxFrameSize)},
       multiplyScratch_(2 * kMaxFrameSize),
-      window_(kMaxFrameSize / 2),
-      displayScratch_(KernelDisplay::kScratchDoubles) {}
+      window_(kMaxFrameSize / 2) {
+    static_assert(2 * kMaxFrameSize >= KernelDisplay::kScratchDoubles, "the display transform runs in the taps' buffer");
+}
 
 KernelBuild KernelDesigner::buildKernels(const BiquadCoefficients (&sections)[kBandSlots], KernelFrame frame,
                                          double designRate, bool linPhase, platform::TimedLock& processLock,
@@ -60,7 +62,6 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
     }
     // Each side's response h into the work buffers, its windowed autocorrelation into the taps.
     double* response[kSides] = {work_.data(), workB_.data()};
-    for (double* r : response) std::fill(r, r + n + 1, 0.0);  // all that the response and its correlation use
     cascadeImpulseResponses(sections, n / 2, response[0], response[1]);
     useWindowFor(n);
     double* kernel[kSides] = {taps_[0].data(), taps_[1].data()};
@@ -68,10 +69,11 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
         autocorrelate(response[side], n);
         windowInto(kernel[side], response[side], n);
     }
+    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
+    // The taps are not needed any more: the display transform runs in their buffer.
     if (measureCurves)
         for (int side = 0; side < kSides; ++side)
-            display_.measure(kernel[side], n, designRate, fft_, displayScratch_.data(), measured_.side[side]);
-    for (int side = 0; side < kSides; ++side) partitionKernel(kernel[side], plan, fft_, set.spectrum(side));
+            display_.measure(kernel[side], n, designRate, fft_, kernel[side], measured_.side[side]);
 }
 
 // A wavefront: at step k, band j of both sides (one register, side A low, side B high) takes
@@ -79,6 +81,10 @@ void KernelDesigner::buildInto(KernelSet& set, const BiquadCoefficients (&sectio
 // independent, so the processor overlaps their recursions; each band still computes exactly
 // what it computes sample by sample in series.
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB) {
+    if (avx2Usable()) {
+        cascadeImpulseResponsesAvx2(sections, half, kDenormalGuard, sideA, sideB);
+        return;
+    }
     struct Band {
         __m128d b0, b1, b2, a1, a2;
         __m128d x1 = _mm_setzero_pd(), x2 = _mm_setzero_pd(), y1 = _mm_setzero_pd(), y2 = _mm_setzero_pd();
@@ -109,8 +115,8 @@ void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], i
             s.y1 = y;
         }
         if (const int t = k - last; t >= 0) {
-            _mm_storel_pd(sideA + 2 * t, band[last].y1);
-            _mm_storeh_pd(sideB + 2 * t, band[last].y1);
+            _mm_storeu_pd(sideA + 2 * t, _mm_unpacklo_pd(band[last].y1, _mm_setzero_pd()));
+            _mm_storeu_pd(sideB + 2 * t, _mm_unpackhi_pd(band[last].y1, _mm_setzero_pd()));
         }
     }
 }
@@ -139,20 +145,24 @@ void KernelDesigner::autocorrelate(double* h, int n) {
 
 // The kernel g[n] = r[|n − N/2|]·w(n), n = 0..N, centred on the autocorrelation's peak: the
 // rising half of the window on samples 0..N/2 − 1, mirrored onto N..N/2 + 1 (so the taps are
-// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero.
+// exactly symmetric), sample N/2 with weight 1. Every other sample of the 2N is zero: samples
+// 0..N − 1 fill the even entries, sample N is entry 1, and each pass writes the odd entry
+// beside the even one, so no separate pass clears the buffer.
 void KernelDesigner::windowInto(double* kernel, const double* r, int n) {
     const double* w = window_.data();
     const int half = n / 2;
-    std::fill(kernel, kernel + 2 * static_cast<size_t>(n), 0.0);
-    kernel[2 * half] = r[0];
     const double edge = r[1] / 2.0 * w[0];  // lag N/2, counted twice (see autocorrelate)
     kernel[0] = edge;
     kernel[1] = edge;
     for (int k = 1; k < half; ++k) {
         const double g = r[2 * (half - k)] * w[k];
         kernel[2 * k] = g;
+        kernel[2 * k + 1] = 0.0;
         kernel[2 * (n - k)] = g;
+        kernel[2 * (n - k) + 1] = 0.0;
     }
+    kernel[2 * half] = r[0];
+    kernel[2 * half + 1] = 0.0;
 }
 
 void KernelDesigner::useWindowFor(int n) {

@@ -16,8 +16,8 @@
 // Buffers (allocated once, for the largest N; nothing is allocated by a build): three kernel
 // sets (KernelSetExchange.h) of which a build fills the one that is neither the newest nor the
 // one the audio thread holds; the time-domain kernels and the two sides' work buffers; the
-// Hamming half window (recomputed when N changes); the 65536-double scratch of the display
-// transform.
+// Hamming half window (recomputed when N changes). The display transform runs in the
+// time-domain kernels' buffers once they have been cut into partitions.
 //
 // Threads. buildKernels() takes the owner's process lock for the whole build: two builds
 // never overlap, and the sets, work buffers, window and scratch that a build touches are only
@@ -40,9 +40,13 @@ namespace dsp {
 
 // The responses of both sides' cascades (slots 0..7 side A, 8..15 side B, band 1 first) to a
 // unit impulse, samples k = 0..half: sample k goes to entry 2k of sideA and sideB (the
-// half-interleaved layout). The two sides run side by side: their recursions are
+// half-interleaved layout) and zero to entry 2k + 1, so entries 0..2·half + 1 are all set. The two sides run side by side: their recursions are
 // independent, so the processor overlaps them.
 void cascadeImpulseResponses(const BiquadCoefficients (&sections)[kBandSlots], int half, double* sideA, double* sideB);
+// The same on 256-bit registers, with the same numbers; only where AVX2 is usable. `guard`
+// is the value added and taken away after every section output.
+void cascadeImpulseResponsesAvx2(const BiquadCoefficients (&sections)[kBandSlots], int half, double guard,
+                                 double* sideA, double* sideB);
 
 // The total response of each side, as measured from the kernels.
 struct KernelCurves {
@@ -116,10 +120,9 @@ private:
     KernelSetExchange sets_;
     AlignedBuffer work_;
     AlignedBuffer workB_;
-    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries
+    AlignedBuffer taps_[kSides];  // the time-domain kernels, 2N entries; then the display transform
     AlignedBuffer multiplyScratch_;  // the reader's, for multiplyByNewest()
     AlignedBuffer window_;
-    AlignedBuffer displayScratch_;
     int windowSize_ = 0;  // the N the half window was computed for
     KernelCurves measured_{};
 

@@ -31,7 +31,7 @@ void KernelDisplay::measure(const double* kernel, int n, double designRate, cons
                             Curve& curve) const {
     // The same taps in the display transform's layout: samples below N keep their even
     // entries; sample N moves from entry 1 (sample N of 2N) to entry 2N (sample N of 65536).
-    std::memcpy(scratch, kernel, sizeof(double) * 2 * static_cast<size_t>(n));
+    if (scratch != kernel) std::memcpy(scratch, kernel, sizeof(double) * 2 * static_cast<size_t>(n));
     std::fill(scratch + 2 * n, scratch + kScratchDoubles, 0.0);
     if (n < kTransformSize) {
         scratch[2 * n] = scratch[1];

@@ -39,7 +39,8 @@ public:
 
     // The curve (dB) of the kernel whose N + 1 taps are in `kernel` (2N doubles, half-
     // interleaved, samples N + 1 .. 2N − 1 zero). `scratch` holds kScratchDoubles and is
-    // overwritten.
+    // overwritten; it may be the kernel's own buffer when that holds kScratchDoubles, which
+    // spares the copy and leaves the kernel's spectrum there.
     void measure(const double* kernel, int n, double designRate, const Fft& fft, double* scratch, Curve& curve) const;
 
 private:

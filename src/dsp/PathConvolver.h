@@ -17,6 +17,7 @@
 // Buffers are allocated once, for the largest frame; process() allocates nothing, does no I/O
 // and never waits: the owner hands over the newest published kernel set without a lock.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -70,6 +71,39 @@ public:
         a = output_[0][read_];
         b = output_[1][read_];
         ++read_;
+    }
+
+    // process() on `count` interleaved (A, B) pairs in place, with the same numbers: the
+    // block's bookkeeping once per run of samples up to the next block end, not per sample.
+    void processPairs(double* pairs, int count, PathConvolutionOps& ops) {
+        for (int i = 0; i < count;) {
+            const int run = std::min(count - i, plan_.hop - fill_);
+            const bool completes = fill_ + run == plan_.hop;
+            double* x = pairs + 2 * i;
+            double* inA = input_[0] + fill_;
+            double* inB = input_[1] + fill_;
+            for (int k = 0; k < run; ++k) {
+                inA[k] = x[2 * k];
+                inB[k] = x[2 * k + 1];
+            }
+            fill_ += run;
+            // A run's last sample completes the block and leaves with the block's first output.
+            const int before = completes ? run - 1 : run;
+            const double* outA = output_[0] + read_;
+            const double* outB = output_[1] + read_;
+            for (int k = 0; k < before; ++k) {
+                x[2 * k] = outA[k];
+                x[2 * k + 1] = outB[k];
+            }
+            read_ += before;
+            if (completes) {
+                convolveBlock(ops);
+                x[2 * before] = output_[0][read_];
+                x[2 * before + 1] = output_[1][read_];
+                ++read_;
+            }
+            i += run;
+        }
     }
 
     // How many blocks were silenced because the kernel set held did not fit the plan.

@@ -93,6 +93,32 @@ TEST(CompensationDelay, DelaysBothSidesByExactlyDAndSettlesWhenShortened) {
     EXPECT_EQ(echoes(shorter, 30), std::make_pair(10, 12));
 }
 
+TEST(CompensationDelay, BlockCallMatchesOneSampleCallsThroughDelayChanges) {
+    // Each row: delay, then the block lengths run with it (lengths past the ring, runs that
+    // end on its last entry, a delay shortened below the index, zero delay after a long one).
+    const std::vector<std::pair<int, std::vector<int>>> steps = {
+        {5, {1, 4, 5, 6, 17}}, {300, {512, 37, 300}}, {2, {3, 1, 1, 64}}, {0, {7, 1}},
+        {40, {41, 39, 1}},     {1, {2, 9}},           {0, {1, 33}},       {77, {100, 200}}};
+    dsp::CompensationDelay block(400), single(400);
+    const std::vector<double> signal = randomSignal(20000, 31);
+    size_t at = 0;
+    for (const auto& [delay, lengths] : steps) {
+        block.setDelay(delay);
+        single.setDelay(delay);
+        for (int length : lengths) {
+            const double* in = signal.data() + at;
+            std::vector<double> pairs(in, in + 2 * length);
+            at += 2 * length;
+            block.processBlock(pairs.data(), length);
+            for (int n = 0; n < length; ++n) {
+                const dsp::PlainPair y = single.process(dsp::PlainPair::make(in[2 * n], in[2 * n + 1]));
+                ASSERT_EQ(pairs[2 * n], y.a()) << "delay " << delay << " length " << length << " sample " << n;
+                ASSERT_EQ(pairs[2 * n + 1], y.b()) << "delay " << delay << " length " << length << " sample " << n;
+            }
+        }
+    }
+}
+
 TEST(MidSide, NeedsTwoConnectedDistinctBuffersEachWay) {
     float l[4] = {}, r[4] = {}, ol[4] = {}, orr[4] = {};
     float *in[2] = {l, r}, *out[2] = {ol, orr}, *same[2] = {l, l}, *missing[2] = {l, nullptr};

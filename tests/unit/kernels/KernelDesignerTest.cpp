@@ -35,7 +35,7 @@ TEST(CascadeImpulseResponses, EqualTheSectionsRunInSeriesBitForBit) {
     set.with(0, peaking(40, 9, 8, rate)).with(3, shelf(false, 200, -12, 0.7, rate)).with(7, peaking(15000, -6, 0.5, rate));
     set.with(8 + 1, shelf(true, 3000, 6, 1.2, rate)).with(8 + 6, peaking(90, 12, 20, rate));
     const int half = 2048;
-    std::vector<double> a(2 * half + 2), b(2 * half + 2);
+    std::vector<double> a(2 * half + 2, std::nan("")), b(2 * half + 2, std::nan(""));
     dsp::cascadeImpulseResponses(set.s, half, a.data(), b.data());
     for (int side = 0; side < dsp::kSides; ++side) {
         double x1[8] = {}, x2[8] = {}, y1[8] = {}, y2[8] = {};
@@ -49,6 +49,7 @@ TEST(CascadeImpulseResponses, EqualTheSectionsRunInSeriesBitForBit) {
                 v = y;
             }
             ASSERT_EQ((side ? b : a)[2 * k], v) << "side " << side << " sample " << k;
+            ASSERT_EQ((side ? b : a)[2 * k + 1], 0.0) << "side " << side << " sample " << k;
         }
     }
 }
