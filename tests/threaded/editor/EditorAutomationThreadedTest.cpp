@@ -14,14 +14,11 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
+#include "support/QuietHost.h"
 
 namespace {
 constexpr int kAutomated[] = {params::kPower,  params::kFat,      params::kLinPhase,
                                params::kOutput, params::kGain + 2, params::kChannel};
-
-VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
-    return opcode == audioMasterVersion ? kVstVersion : 0;
-}
 }  // namespace
 
 TEST(EditorThreads, AutomationWhileTheEditorOpensIdlesAndCloses) {

@@ -12,13 +12,10 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
+#include "support/QuietHost.h"
 #include "unit/toolkit/XvfbFixture.h"
 
 namespace {
-
-VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
-    return opcode == audioMasterVersion ? kVstVersion : 0;
-}
 
 constexpr int kPowerX = 678, kPowerY = 462;
 

@@ -13,12 +13,7 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
-
-namespace {
-VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
-    return opcode == audioMasterVersion ? kVstVersion : 0;
-}
-}  // namespace
+#include "support/QuietHost.h"
 
 TEST(PlotThreads, CurvesAndBarsChangeWhileThePlotDraws) {
     setenv("TYX_VIREO_CONFIG_DIR", "/nonexistent/tyx-vireo-threaded-tests", 0);

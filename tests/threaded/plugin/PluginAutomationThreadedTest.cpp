@@ -15,13 +15,10 @@
 #include "gui/Editor.h"
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
+#include "support/QuietHost.h"
 #include "support/TempStore.h"
 
 namespace {
-
-VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
-    return opcode == audioMasterVersion ? kVstVersion : 0;
-}
 
 struct OpenWindow : AEffEditor {
     bool isOpen() override { return true; }

@@ -17,12 +17,9 @@
 #include "plugin/Plugin.h"
 #include "presets/Parameters.h"
 #include "support/TempStore.h"
+#include "support/QuietHost.h"
 
 namespace {
-
-VstIntPtr quietHost(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
-    return opcode == audioMasterVersion ? kVstVersion : 0;
-}
 
 constexpr int kBlock = 64;
 constexpr int kSpareSlot = 90;  // carried by the preset layer alone
