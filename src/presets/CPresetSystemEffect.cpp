@@ -84,6 +84,15 @@ bool CPresetSystemEffect::copyPreset(int index, PresetRecord& out) {
     return true;
 }
 
+bool CPresetSystemEffect::copyPresetName(int index, char (&out)[kNameField]) {
+    if (!presets || index < 0 || index >= kPresetCount) return false;
+    BankScope bank(*this);
+    if (!bank) return false;
+    std::memcpy(out, presets[index].name, kNameField);
+    out[kNameField - 1] = '\0';
+    return true;
+}
+
 VstIntPtr CPresetSystemEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     if (opcode == effSetChunk && !ptr) return -1;
     return AudioEffectX::dispatcher(opcode, index, value, ptr, opt);

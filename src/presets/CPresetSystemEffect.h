@@ -85,6 +85,8 @@ public:
     // A copy of preset index taken under the bank lock; false (and out untouched) for an index
     // outside the bank, without a bank, or when the lock could not be had.
     bool copyPreset(int index, presets::PresetRecord& out);
+    // The same for the name alone: what the editor shows while another thread may load a bank.
+    bool copyPresetName(int index, char (&out)[presets::kNameField]);
     // The bank, the template and each preset in place: only under a BankScope (the image loaders
     // and builders take one), or where no other thread can reach the effect.
     const presets::PresetRecord* getPreset(int index) const;

@@ -117,16 +117,16 @@ void CPresetSystemEditor::openStrip() {
     presetNameDisplay->setFontColor(kNameLight);
     presetNameDisplay->setBackColor(kNameDark);
     presetNameDisplay->setFrameColor(kNameDark);
-    if (const presets::PresetRecord* preset = fx ? fx->getPreset(current) : nullptr)
-        presetNameDisplay->setText(preset->name);
+    char name[presets::kNameField];
+    if (fx && fx->copyPresetName(current, name)) presetNameDisplay->setText(name);
     frame->addView(presetNameDisplay);
 
     auto* menuButton = new CBitmap(kMenuButtonBitmap);
     presetMenu = new COptionMenu(CRect(320, 495, 333, 507), this, kMenuTag, menuButton);
     menuButton->forget();
     for (int p = 0; p < presets::kPresetCount; ++p) {
-        const presets::PresetRecord* preset = fx ? fx->getPreset(p) : nullptr;
-        presetMenu->addEntry(preset ? preset->name : "");
+        const bool named = fx && fx->copyPresetName(p, name);
+        presetMenu->addEntry(named ? name : "");
     }
     presetMenu->setCurrent(current);
     frame->addView(presetMenu);
@@ -213,7 +213,8 @@ void CPresetSystemEditor::stepPreset(float direction) {
     if (preset < 0) preset = 0;
     if (preset >= presets::kPresetCount) preset = presets::kPresetCount - 1;
     selectPresetMenuEntry(preset);
-    if (const presets::PresetRecord* record = fx->getPreset(preset)) showPresetName(record->name);
+    char name[presets::kNameField];
+    if (fx->copyPresetName(preset, name)) showPresetName(name);
     fx->selectPreset(preset);
 }
 
