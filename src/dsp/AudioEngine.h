@@ -10,9 +10,10 @@
 //   LinPhase on:  FAT off: r < 80000 ×1, r < 170000 ×1/2, else ×1/4
 //                 FAT on:  r < 80000 ×2, r < 170000 ×1,   else ×1/2
 //   LinPhase off: FAT on and r < 80000 ×2, else ×1
-// Delays, with hop and N at the internal rate and d = hop + N/2 − 1 the convolution's delay
+// Delays, with N at the internal rate and d = Hc + N/2 − 1 the convolution's delay, Hc its
+// convolution hop (PathConvolver.h; the hop itself unless setFrame names a longer one)
 // (converter figures in RateConverters.h):
-//   linear ×1: d; ×2: d/2 + 62.5 (d is odd whenever hop is even; for an odd hop, d/2 + 63);
+//   linear ×1: d; ×2: d/2 + 62.5 (d is odd whenever Hc is even; for an odd Hc, d/2 + 63);
 //   ×1/2: 2·d + 126; ×1/4: 4·d + 255; minimum ×1: 0; minimum ×2: 63.
 // Every path delays by a whole number of host samples: an impulse comes out as a peak on one
 // sample, symmetric around it.

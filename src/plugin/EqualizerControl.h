@@ -1,7 +1,8 @@
 #pragma once
 // The equalizer's engine under the plug-in's control: the host rate and block size, the frame
-// (N and partition) they and FAT/Resolution give, the band designs and kernel builds that
-// follow, and how all of it reaches the audio thread.
+// (N and partition) they and FAT/Resolution give, the convolution hop the latency padding
+// allows, the band designs and kernel builds that follow, and how all of it reaches the audio
+// thread.
 //
 // Threads and locks. The engine lock serializes reconfigurations (rate, block size, frame,
 // suspend); each holds it only for short work. The design lock serializes band designs and
