@@ -72,7 +72,8 @@ int64_t AudioEngine::pack(int n, int hop, int convolutionHop) {
 AudioEngine::Frame AudioEngine::unpack(int64_t packed) {
     const int hop = static_cast<int>(packed & 0xffffffff);
     const int shift = static_cast<int>((packed >> 32) & 0xff);
-    return {static_cast<int>(packed >> 40), hop, static_cast<int>(std::min<int64_t>(static_cast<int64_t>(hop) << shift, INT32_MAX))};
+    const int64_t convolutionHop = std::min<int64_t>(static_cast<int64_t>(hop) << shift, INT32_MAX);
+    return {static_cast<int>(packed >> 40), hop, static_cast<int>(convolutionHop)};
 }
 
 void AudioEngine::beginBlock(AudioPathKind kind, const AudioBlockSettings& s) {
