@@ -10,9 +10,10 @@
 //   LinPhase on:  FAT off: r < 80000 ×1, r < 170000 ×1/2, else ×1/4
 //                 FAT on:  r < 80000 ×2, r < 170000 ×1,   else ×1/2
 //   LinPhase off: FAT on and r < 80000 ×2, else ×1
-// Delays, with hop and N at the internal rate and d = hop + N/2 − 1 the convolution's delay
+// Delays, with N at the internal rate and d = Hc + N/2 − 1 the convolution's delay, Hc its
+// convolution hop (PathConvolver.h; the hop itself unless setFrame names a longer one)
 // (converter figures in RateConverters.h):
-//   linear ×1: d; ×2: d/2 + 62.5 (d is odd whenever hop is even; for an odd hop, d/2 + 63);
+//   linear ×1: d; ×2: d/2 + 62.5 (d is odd whenever Hc is even; for an odd Hc, d/2 + 63);
 //   ×1/2: 2·d + 126; ×1/4: 4·d + 255; minimum ×1: 0; minimum ×2: 63.
 // Every path delays by a whole number of host samples: an impulse comes out as a peak on one
 // sample, symmetric around it.
@@ -88,14 +89,25 @@ public:
     static AudioPathKind pathFor(const AudioBlockSettings& s);
     // The path's own delay in host samples, for a frame of N and a hop at the internal rate.
     static double pathDelay(AudioPathKind kind, int frameSize, int hop);
+    // Host samples a convolution hop longer than the hop adds to the path's delay; 0 where that
+    // is not a whole number of host samples (such a hop is never chosen).
+    static int borrowedDelay(AudioPathKind kind, int frameSize, int hop, int convolutionHop);
+    // The convolution hop (hop·2^j ≤ N) with the least estimated work per sample whose added
+    // delay fits in `padding` host samples of compensation delay: the delay the path is padded
+    // with anyway, spent on a longer hop instead.
+    static int convolutionHopFor(AudioPathKind kind, int frameSize, int hop, int padding);
 
     // ---- Any thread; each takes effect at the start of the next block --------------------
     void setHostRate(double hostRate) { hostRate_.store(hostRate, std::memory_order_relaxed); }
     void setOutputGainTarget(double gain) { gainTarget_.store(gain, std::memory_order_relaxed); }
-    // Frame size N and hop (samples at the internal rate). A change clears the convolution.
-    void setFrame(int frameSize, int hop) {
-        frame_.store(pack(frameSize, hop), std::memory_order_relaxed);
+    // Frame size N, hop and convolution hop (samples at the internal rate; PathConvolver.h),
+    // posted as one word so that a block never combines values of two calls. A change clears
+    // the convolution. The compensation delay of the linear paths is shortened by the delay
+    // the convolution hop adds (borrowedDelay).
+    void setFrame(int frameSize, int hop, int convolutionHop) {
+        frame_.store(pack(frameSize, hop, convolutionHop), std::memory_order_relaxed);
     }
+    void setFrame(int frameSize, int hop) { setFrame(frameSize, hop, hop); }
     // After a pause: all delay lines and buffers silent, the gain at the target it has now
     // without a ramp (a target set after this call ramps from there), the peaks cleared
     // (those at once).
@@ -130,7 +142,12 @@ public:
 private:
     // The analyzer's sample: a sum of huge sides can leave the float range.
     static float finiteFloat(double v) { return static_cast<float>(std::fmin(std::fmax(finiteOrZero(v), -FLT_MAX), FLT_MAX)); }
-    static int64_t pack(int n, int hop) { return (static_cast<int64_t>(n) << 32) | static_cast<uint32_t>(hop); }
+    // N in the top 24 bits, log2(convolution hop / hop) in the next 8, the hop in the low 32.
+    static int64_t pack(int n, int hop, int convolutionHop);
+    struct Frame {
+        int frameSize, hop, convolutionHop;
+    };
+    static Frame unpack(int64_t packed);
 
     // Block start: applies what other threads posted and what the settings ask for.
     void beginBlock(AudioPathKind kind, const AudioBlockSettings& s);
@@ -168,6 +185,10 @@ private:
         chains[3] = c3;
     }
 
+    static constexpr bool isLinear(AudioPathKind kind) {
+        return kind == AudioPathKind::LinearUnity || kind == AudioPathKind::LinearDouble ||
+               kind == AudioPathKind::LinearHalf || kind == AudioPathKind::LinearQuarter;
+    }
     static constexpr bool isMinimum(AudioPathKind kind) {
         return kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble;
     }

@@ -29,6 +29,11 @@ double costPerSample(int blockLength, int half, int partitions) {
 
 }  // namespace
 
+double PartitionPlan::workPerSample() const {
+    const double head = costPerSample(hop, headHalf, headCount);
+    return hasTail() ? head + costPerSample(tailLength(), tailHalf, tailCount) : head;
+}
+
 PartitionPlan PartitionPlan::uniform(int frameSize, int hop) {
     PartitionPlan plan;
     plan.frameSize = frameSize;

@@ -42,6 +42,8 @@ struct PartitionPlan {
     static size_t maxSpectrumDoubles(int maxFrameSize) { return 4 * static_cast<size_t>(maxFrameSize) + 16; }
 
     bool hasTail() const { return tailHops > 0; }
+    // Estimated work per input sample of one side, in complex multiply-accumulates of one bin.
+    double workPerSample() const;
     int tailLength() const { return tailHops * hop; }  // L
     // Doubles of one partition's spectrum, and of all head or tail partitions of one side.
     size_t headPartitionDoubles() const { return 2 * static_cast<size_t>(headHalf); }

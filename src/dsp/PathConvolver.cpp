@@ -27,9 +27,12 @@ PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
     configure(std::min(4096, maxN_), std::min(4096, maxN_));
 }
 
-void PathConvolver::configure(int frameSize, int hop) {
+void PathConvolver::configure(int frameSize, int hop, int convolutionHop) {
     const int n = std::clamp(frameSize, 1, maxN_);
-    plan_ = PartitionPlan::forFrame(n, std::clamp(hop, 1, n));
+    hop_ = std::clamp(hop, 1, n);
+    int blockLength = hop_;
+    while (2L * blockLength <= std::min(convolutionHop, n)) blockLength *= 2;
+    plan_ = PartitionPlan::forFrame(n, blockLength);
     head_.configure(plan_.headHalf, plan_.headCount);
     tail_.configure(std::max(plan_.tailHalf, 4), plan_.tailCount);
     held_ = nullptr;
@@ -47,16 +50,24 @@ void PathConvolver::clear() {
     head_.clear();
     tail_.clear();
     fill_ = 0;
+    boundary_ = hop_;
     tailGathered_ = 0;
     blockStart_ = 0;
     read_ = 0;  // until the first block completes, the silence before the input began
 }
 
-void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
+// The H-block just completed goes with the set taken now; the samples before it in the
+// current block completed with the set held until now.
+void PathConvolver::hopCompleted(PathConvolutionOps& ops) {
     if (!held_ || ops.newerKernelsWaiting()) {
-        if (held_) settleHeldSet();
+        if (held_) settleHeldSet(fill_ - hop_);
         held_ = &ops.takeNewestKernels();
     }
+    if (fill_ == plan_.hop) convolveBlock();
+    else boundary_ += hop_;
+}
+
+void PathConvolver::convolveBlock() {
     const bool usable = held_->plan() == plan_;
     if (!usable) ++silenced_;
 
@@ -80,34 +91,51 @@ void PathConvolver::convolveBlock(PathConvolutionOps& ops) {
     }
     blockStart_ += static_cast<size_t>(h);
     fill_ = 0;
+    boundary_ = hop_;
     read_ = 0;
 }
 
-void PathConvolver::settleHeldSet() {
+void PathConvolver::settleHeldSet(int partial) {
     const bool usable = held_->plan() == plan_;
     for (int side = 0; side < kSides; ++side) {
-        head_.catchUp(side, nullptr, headKernels(side), usable, fft_, mac_);
-        if (!plan_.hasTail()) continue;
-        // The tail's blocks gathered so far belong to the set held until now.
-        double* frame = sides_[side].tailFrame.data();
-        tail_.catchUp(side, tailGathered_ > 0 ? frame : nullptr, tailKernels(side), usable, fft_, mac_);
-        std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+        double* input = input_[side];
+        double* headPart = nullptr;
+        if (partial > 0) {
+            headPart = work_.data();
+            gather(headPart, input, partial, plan_.headHalf);
+        }
+        head_.catchUp(side, headPart, headKernels(side), usable, fft_, mac_);
+        if (plan_.hasTail()) {
+            // The tail's blocks gathered so far belong to the set held until now, and so does
+            // the current block's part.
+            double* frame = sides_[side].tailFrame.data();
+            double* tailPart = frame + 2 * static_cast<size_t>(tailGathered_) * plan_.hop;
+            for (int t = 0; t < partial; ++t) tailPart[2 * t] = input[t];
+            tail_.catchUp(side, tailGathered_ > 0 || partial > 0 ? frame : nullptr, tailKernels(side), usable, fft_,
+                          mac_);
+            std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+        }
+        std::fill(input, input + partial, 0.0);
     }
     head_.changed();
     tail_.changed();
 }
 
-// The block through the head partitions: the first H samples of its output complete this
-// hop's output with what earlier blocks left; samples H..2H − 1 are left for the next hop.
-void PathConvolver::headBlock(int side, bool usable) {
-    const int h = plan_.hop, m = plan_.headHalf;
-    double* frame = work_.data();
-    const double* input = input_[side];
-    for (int t = 0; t < h; ++t) {
+// The first `count` samples of `input` as a time signal of 2·half entries (count ≤ half).
+void PathConvolver::gather(double* frame, const double* input, int count, int half) {
+    for (int t = 0; t < count; ++t) {
         frame[2 * t] = input[t];
         frame[2 * t + 1] = 0.0;
     }
-    std::fill(frame + 2 * h, frame + 2 * m, 0.0);
+    std::fill(frame + 2 * count, frame + 2 * half, 0.0);
+}
+
+// The block through the head partitions: the first Hc samples of its output complete this
+// block's output with what earlier blocks left; samples Hc..2Hc − 1 are left for the next one.
+void PathConvolver::headBlock(int side, bool usable) {
+    const int h = plan_.hop, m = plan_.headHalf;
+    double* frame = work_.data();
+    gather(frame, input_[side], h, m);
     head_.complete(side, frame, headKernels(side), usable, fft_, mac_);
 
     const double* current = head_.output(side);
@@ -125,7 +153,7 @@ void PathConvolver::headBlock(int side, bool usable) {
 }
 
 // The tail block just completed: its output begins one tail length after the block began,
-// with the next hop.
+// with the next block.
 void PathConvolver::tailBlock(int side, bool usable) {
     double* frame = sides_[side].tailFrame.data();
     tail_.complete(side, frame, tailKernels(side), usable, fft_, mac_);

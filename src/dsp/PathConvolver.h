@@ -3,16 +3,23 @@
 // kernel (N + 1 symmetric taps, centre at N/2) by partitioned convolution in the frequency
 // domain (the partitions: PartitionPlan.h).
 //
-// Input arrives in blocks of one hop H. When a block is complete it is transformed once and
-// convolved with the head partitions (PartitionStage.h); the output spectrum of the block is
-// transformed back and completes the next hop of output. Where the plan has a tail, k blocks
-// are gathered and convolved with the tail partitions in the same way. Each input block is
-// multiplied with the kernel set held when it completed, whatever set later blocks see: when
-// a newer set is taken, the blocks of the old one are settled with it first, the tail's
-// partly gathered block included, and nothing is multiplied again with a newer set.
+// Two hops. The hop H is the grain of kernel changes: every H input samples make a block that
+// is multiplied with the kernel set held when it completed. The convolution hop Hc (H·2^j,
+// at most N) is the block length of the partitioned convolution: when Hc samples are
+// complete they are transformed once and convolved with the head partitions
+// (PartitionStage.h); the output spectrum is transformed back and completes the next Hc
+// samples of output. Where the plan has a tail, k blocks are gathered and convolved with the
+// tail partitions in the same way. A longer Hc costs less work per sample (fewer, longer
+// transforms and fewer partitions) and delays by Hc − H samples more.
+//
+// Kernel sets are looked at every H samples. When a newer one is taken, everything gathered
+// for the held set is settled with it first: the kept blocks, the tail's partly gathered
+// block, and the samples of the current Hc block that completed their H-block before now;
+// those samples are then taken out of the gathering buffers, so that nothing is multiplied
+// again with the newer set. With Hc = H the current block holds none of them.
 //
 // The first output sample of a block leaves with the block's last input sample, so the path
-// delays by H + N/2 − 1 samples, the same for every plan.
+// delays by Hc + N/2 − 1 samples, the same for every plan.
 //
 // Buffers are allocated once, for the largest frame; process() allocates nothing, does no I/O
 // and never waits: the owner hands over the newest published kernel set without a lock.
@@ -51,10 +58,13 @@ public:
     PathConvolver(const PathConvolver&) = delete;
     PathConvolver& operator=(const PathConvolver&) = delete;
 
-    // Frame size N (a power of two ≤ the maximum) and hop (1..N samples). Clears all state.
-    void configure(int frameSize, int hop);
+    // Frame size N (a power of two ≤ the maximum), hop H (1..N samples) and convolution hop
+    // (H·2^j ≤ N; otherwise the longest such below it). Clears all state.
+    void configure(int frameSize, int hop, int convolutionHop);
+    void configure(int frameSize, int hop) { configure(frameSize, hop, hop); }
     int frameSize() const { return plan_.frameSize; }
-    int hop() const { return plan_.hop; }
+    int hop() const { return hop_; }
+    int convolutionHop() const { return plan_.hop; }
     int delay() const { return plan_.hop + plan_.frameSize / 2 - 1; }
     // The partitions this convolver expects its kernel sets to be cut into.
     const PartitionPlan& plan() const { return plan_; }
@@ -62,23 +72,23 @@ public:
     // Silence in every buffer; the next sample starts a block.
     void clear();
 
-    // One sample of each side in, one out (the sample H + N/2 − 1 samples earlier, after the
+    // One sample of each side in, one out (the sample Hc + N/2 − 1 samples earlier, after the
     // kernel).
     [[gnu::always_inline]] void process(double& a, double& b, PathConvolutionOps& ops) {
         input_[0][fill_] = a;
         input_[1][fill_] = b;
-        if (++fill_ == plan_.hop) convolveBlock(ops);
+        if (++fill_ == boundary_) hopCompleted(ops);
         a = output_[0][read_];
         b = output_[1][read_];
         ++read_;
     }
 
     // process() on `count` interleaved (A, B) pairs in place, with the same numbers: the
-    // block's bookkeeping once per run of samples up to the next block end, not per sample.
+    // block's bookkeeping once per run of samples up to the next hop's end, not per sample.
     void processPairs(double* pairs, int count, PathConvolutionOps& ops) {
         for (int i = 0; i < count;) {
-            const int run = std::min(count - i, plan_.hop - fill_);
-            const bool completes = fill_ + run == plan_.hop;
+            const int run = std::min(count - i, boundary_ - fill_);
+            const bool completes = fill_ + run == boundary_;
             double* x = pairs + 2 * i;
             double* inA = input_[0] + fill_;
             double* inB = input_[1] + fill_;
@@ -87,7 +97,7 @@ public:
                 inB[k] = x[2 * k + 1];
             }
             fill_ += run;
-            // A run's last sample completes the block and leaves with the block's first output.
+            // A run's last sample completes the hop; after a block it leaves with its first output.
             const int before = completes ? run - 1 : run;
             const double* outA = output_[0] + read_;
             const double* outB = output_[1] + read_;
@@ -97,7 +107,7 @@ public:
             }
             read_ += before;
             if (completes) {
-                convolveBlock(ops);
+                hopCompleted(ops);
                 x[2 * before] = output_[0][read_];
                 x[2 * before + 1] = output_[1][read_];
                 ++read_;
@@ -111,16 +121,21 @@ public:
 
 private:
     struct Side {
-        AlignedBuffer input;      // the block being gathered, H samples
+        AlignedBuffer input;      // the block being gathered, Hc samples
         AlignedBuffer tailFrame;  // the tail's gathered blocks, 2·M2 entries
         AlignedBuffer ring;       // the tail's output samples by time, ringMask_ + 1 entries
-        AlignedBuffer output;     // the hop of output being read, H samples
-        AlignedBuffer overlap;    // the head's output for the next hop, H samples
+        AlignedBuffer output;     // the block of output being read, Hc samples
+        AlignedBuffer overlap;    // the head's output for the next block, Hc samples
     };
 
-    void convolveBlock(PathConvolutionOps& ops);
-    // Before a newer set is taken: every block so far settled with the set held until now.
-    void settleHeldSet();
+    // An H-block is complete: the newest kernel set if one waits, then the block if it is
+    // complete too.
+    void hopCompleted(PathConvolutionOps& ops);
+    void convolveBlock();
+    // Before a newer set is taken: everything gathered so far settled with the set held until
+    // now, the first `partial` samples of the current block included (and then cleared).
+    void settleHeldSet(int partial);
+    static void gather(double* frame, const double* input, int count, int half);
     void headBlock(int side, bool usable);
     void tailBlock(int side, bool usable);
     // Adds samples 0..count − 1 of a half-interleaved signal of 2·half samples to the ring.
@@ -146,8 +161,10 @@ private:
 
     double* input_[kSides];
     double* output_[kSides];
-    const KernelSet* held_ = nullptr;  // taken at the latest block
+    const KernelSet* held_ = nullptr;  // taken at the latest H-block
+    int hop_ = 1;                      // H
     int fill_ = 0;                     // samples of the block gathered
+    int boundary_ = 1;                 // fill_ at the end of the current H-block
     int tailGathered_ = 0;             // blocks of the tail block gathered
     size_t blockStart_ = 0;            // time of the current block's first sample
     int read_ = 0;                     // the next output sample of output_

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/DesignRate.h"
+#include "plugin/Latency.h"
 #include "plugin/ParameterTable.h"
 
 using namespace params;
@@ -50,41 +51,83 @@ void EqualizerControl::setSampleRate(float hostRate) {
         if (changed) {
             intRate = newRate;
             engine.setHostRate(newRate);
+            // The padding, and with it the convolution hop, follows the rate.
+            const EngineFrame f = frame_.load();
+            if (frameFor(f.frameSize, f.partition) != f) setFrame(frameFor(f.frameSize, f.partition));
         }
         owner.hostRateSet(hostRate);
     }
+    // Every band is redesigned, which cuts the kernels for the new frame too.
     if (changed) redesignAllBands();
 }
 
 void EqualizerControl::setBlockSize(int size) {
-    bool partitionChanged = false;
+    bool recut = false;
     {
         platform::TimedLock::Guard guard(engineLock);
         if (!guard) return;
         hostBlock = size;
-        const EngineFrame before = frame_.load();
-        frame_.store({before.frameSize, partitionForBlock(true, before.frameSize)});
-        partitionChanged = frame_.load().partition != before.partition;
-        applyFrameToEngine();
-        suspend();
+        const int frameSize = frame_.load().frameSize;
+        recut = setFrame(frameFor(frameSize, partitionForBlock(true, frameSize)));
         owner.blockSizeSet();
     }
-    // The kernels are cut into partitions of the hop: a new hop needs them cut anew.
-    if (partitionChanged && !owner.presetLoading()) {
-        DesignScope design(*this);
-        if (design) refreshCurves();
-    }
+    if (recut) recutKernels();
 }
 
-// The engine hops by half the partition, at its internal rate.
+// Mode 2 pads the path to a constant delay; the other modes have no padding to borrow from.
+// The owner stores the mode before this call, so for a block or two the audio thread may pad
+// for the new mode while convolving with the old hop (AudioEngine::beginBlock says what then
+// happens); the suspend here starts the path again from silence with the new hop.
+void EqualizerControl::compensationModeChanged() {
+    bool recut = false;
+    {
+        platform::TimedLock::Guard guard(engineLock);
+        if (!guard) return;
+        const EngineFrame f = frame_.load();
+        const EngineFrame wanted = frameFor(f.frameSize, f.partition);
+        if (wanted != f) recut = setFrame(wanted);
+    }
+    if (recut) recutKernels();
+}
+
+bool EqualizerControl::setFrame(EngineFrame f) {
+    const dsp::KernelFrame before = kernelFrame();
+    frame_.store(f);
+    applyFrameToEngine();
+    suspend();
+    const dsp::KernelFrame after = kernelFrame();
+    return after.frameSize != before.frameSize || after.hop != before.hop;
+}
+
+void EqualizerControl::recutKernels() {
+    if (owner.presetLoading()) return;
+    DesignScope design(*this);
+    if (design) refreshCurves();
+}
+
 void EqualizerControl::applyFrameToEngine() {
     const EngineFrame f = frame_.load();
-    engine.setFrame(f.frameSize, f.partition / 2);
+    engine.setFrame(f.frameSize, f.hop(), f.convolutionHop);
 }
 
+// The kernel sets are cut for the convolver's plan, which follows the convolution hop.
 dsp::KernelFrame EqualizerControl::kernelFrame() const {
     const EngineFrame f = frame_.load();
-    return {f.frameSize, f.partition / 2};
+    return {f.frameSize, f.convolutionHop};
+}
+
+// The hop the engine convolves with: the design hop, or where the latency figures pad the
+// linear-phase path, the cheapest longer one whose extra delay that padding covers. LinPhase
+// and Power may change at any block without a new frame, so the padding is the one the
+// linear path of these settings gets; while another path runs the hop is not used.
+EngineFrame EqualizerControl::frameFor(int frameSize, int partition) const {
+    const EngineFrame designed{frameSize, partition, partition / 2};
+    if (owner.compensationMode() != latency::kAlways) return designed;
+    const bool fat = owner.switchStep(kFat) == 1;
+    const int padding = latency::figures(latency::kAlways, {intRate, frameSize, partition, fat, true, true}).padding;
+    const dsp::AudioPathKind path =
+        dsp::AudioEngine::pathFor({.power = true, .linPhase = true, .fat = fat, .hostRate = intRate});
+    return {frameSize, partition, dsp::AudioEngine::convolutionHopFor(path, frameSize, designed.hop(), padding)};
 }
 
 // The engine's partition length from the host block size: twice the block at ordinary rates,
@@ -101,15 +144,14 @@ int EqualizerControl::partitionForBlock(bool inclusiveThresholds, int frameSize)
     return p < 2 ? 2 : p;
 }
 
+// The kernels follow with the redesign of every band that comes next.
 void EqualizerControl::reconfigureFrame() {
     platform::TimedLock::Guard guard(engineLock);
     if (!guard) return;
     const int resolution = std::max(0, owner.switchStep(kResolution));
     const int fat = std::max(0, owner.switchStep(kFat));
     const int frameSize = kMinFrameSize << (resolution + fat);
-    frame_.store({frameSize, partitionForBlock(false, frameSize)});
-    applyFrameToEngine();
-    suspend();
+    setFrame(frameFor(frameSize, partitionForBlock(false, frameSize)));
 }
 
 // A band's sections follow its natural values at once; its curves (and the kernels built from

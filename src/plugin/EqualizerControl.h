@@ -1,7 +1,8 @@
 #pragma once
 // The equalizer's engine under the plug-in's control: the host rate and block size, the frame
-// (N and partition) they and FAT/Resolution give, the band designs and kernel builds that
-// follow, and how all of it reaches the audio thread.
+// (N and partition) they and FAT/Resolution give, the convolution hop the latency padding
+// allows, the band designs and kernel builds that follow, and how all of it reaches the audio
+// thread.
 //
 // Threads and locks. The engine lock serializes reconfigurations (rate, block size, frame,
 // suspend); each holds it only for short work. The design lock serializes band designs and
@@ -36,6 +37,8 @@ public:
     // The quantized step of a switch parameter (FAT, Resolution, LinPhase, Solo).
     virtual int switchStep(int index) const = 0;
     virtual bool presetLoading() const = 0;
+    // The latency compensation mode (latency::Mode).
+    virtual int compensationMode() const = 0;
     // Stores a posted band parameter in the band model; false when nothing is to be redesigned.
     virtual bool storeBandParameter(int index, float value) = 0;
     // After band `band` (or every band, −1) was designed, under the design lock.
@@ -64,6 +67,9 @@ public:
     void resume(bool secondInputConnected, bool secondOutputConnected);
     void setSampleRate(float hostRate);
     void setBlockSize(int size);
+    // The owner's compensation mode changed: the padding the convolution may borrow from
+    // changes with it.
+    void compensationModeChanged();
 
     // ---- Parameter changes (any thread, the audio thread included; never waits) ---------------
     // A band parameter, FAT, Resolution, LinPhase or Solo changed to value.
@@ -126,9 +132,16 @@ private:
     void runAudioThreadWork();
     void leaveDesignScope();
     void reconfigureFrame();
+    // Under the engine lock: publishes the frame to the engine and suspends; true when the
+    // kernels must be cut anew for it.
+    bool setFrame(EngineFrame f);
     void applyFrameToEngine();
-    // The frame and hop the engine convolves with, which the kernels are built for.
+    // The frame with its convolution hop for these settings.
+    EngineFrame frameFor(int frameSize, int partition) const;
+    // The frame and convolution hop the engine convolves with, which the kernels are built for.
     dsp::KernelFrame kernelFrame() const;
+    // Cuts the kernels anew for a new frame (not while a preset loads: the load ends with that).
+    void recutKernels();
     int partitionForBlock(bool inclusiveThresholds, int frameSize) const;
 
     EqualizerOwner& owner;
@@ -149,7 +162,7 @@ private:
     EngineKernelOps kernelOps{kernels};
     dsp::AudioEngine engine;
 
-    PublishedEngineFrame frame_{{kMinFrameSize, 2 * kMinFrameSize}};
+    PublishedEngineFrame frame_{{kMinFrameSize, 2 * kMinFrameSize, kMinFrameSize}};
     RelaxedAtomic<int> intRate = 44100;
     int hostBlock = 0;  // the last block size the host set
     double designRateHz = 44100.0;

@@ -139,6 +139,11 @@ void Plugin::getLatencyInfo(int& reported, int& pathLatency, int& padding) const
     padding = f.padding;
 }
 
+void Plugin::setLatencyMode(int mode) {
+    latencyMode = mode;
+    equalizer.compensationModeChanged();
+}
+
 // Only the record changes; the host sees it when it next reads the record (at resume).
 void Plugin::updateReportedDelay() { setInitialDelay(latency::initialDelay(latencyMode, latencySettings())); }
 
@@ -320,7 +325,7 @@ void Plugin::applyAutoZoom() {
 // store lacks takes its default. Applying them writes them into every preset.
 void Plugin::loadGlobalSettings() {
     const auto stored = globals::load(platform::UserStore::forCurrentUser());
-    latencyMode = stored ? stored->latencyMode : globals::kDefaultLatencyMode;
+    setLatencyMode(stored ? stored->latencyMode : globals::kDefaultLatencyMode);
     for (int row = 1; row < globals::kRowCount; ++row) {
         const int index = globals::kRows[row].parameter;
         setParameter(index, stored ? stored->parameters[row] : parameters.value(index));

@@ -81,8 +81,9 @@ public:
     void loadGlobalSettings();
     bool saveGlobalSettings() override;
     void getLatencyMode(int& mode) const override { mode = latencyMode; }
-    // Only stored: the host is told at the next sample-rate or block-size change.
-    void setLatencyMode(int mode) override { latencyMode = mode; }
+    // The host is told at the next sample-rate or block-size change; the audio path follows at
+    // once.
+    void setLatencyMode(int mode) override;
 
     // The delay reported to the host, the processing path's own delay and the padding the
     // audio path adds so that the two agree, in host samples, for the current settings.
@@ -111,6 +112,7 @@ public:
     const dsp::KernelDesigner& kernelDesigner() const { return equalizer.kernelDesigner(); }
     int fftLength() const { return equalizer.frame().frameSize; }
     int partitionLength() const { return equalizer.frame().partition; }
+    int convolutionHop() const { return equalizer.frame().convolutionHop; }
     int integerSampleRate() const { return equalizer.integerRate(); }
     Editor* getPluginEditor() const { return pluginEditor; }
 
@@ -129,6 +131,7 @@ private:
     // EqualizerOwner.
     int switchStep(int index) const override;
     bool presetLoading() const override;
+    int compensationMode() const override { return latencyMode; }
     bool storeBandParameter(int index, float value) override;
     void bandsDesigned(int band) override;
     void engineCleared() override;

@@ -24,6 +24,7 @@ class RecordingOwner final : public EqualizerOwner {
 public:
     int switchStep(int) const override { return 0; }
     bool presetLoading() const override { return false; }
+    int compensationMode() const override { return 0; }
     bool storeBandParameter(int index, float value) override {
         std::lock_guard<std::mutex> lock(mutex);
         applied.push_back({index, value, std::this_thread::get_id()});

@@ -1,13 +1,15 @@
 // The partitioned convolver against the reference block convolution: every plan shape
-// (uniform, uniform with a hop that is no power of two, head and tail), kernel swaps at random
-// moments (several in one hop, one in consecutive hops, one while the tail gathers), sets that
-// do not fit, and every multiply-accumulate family: the outputs agree within 1e-9 at every
-// sample. Then the same through the whole audio path in host blocks of random length, float
-// and double buffers, left/right and mid/side. (The other linear paths run the same convolver
-// on their inner samples between the rate converters.)
+// (uniform, uniform with a hop that is no power of two, head and tail), convolution hops
+// longer than the hop (the reference's output then Hc − H samples later), kernel swaps at
+// random moments (several in one convolution hop, one in consecutive hops, one while the tail
+// gathers), sets that do not fit, and every multiply-accumulate family: the outputs agree
+// within 1e-9 at every sample. Then the same through the whole audio path in host blocks of
+// random length, float and double buffers, left/right and mid/side. (The other linear paths
+// run the same convolver on their inner samples between the rate converters.)
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <random>
 #include <string>
@@ -32,27 +34,49 @@ std::vector<double> randomKernel(int n, std::mt19937& rng) {
     return g;
 }
 
+// The reference's outputs, read `lateBy` samples after it gave them.
+class LateReference {
+public:
+    LateReference(int n, int hop, int lateBy) : reference_(n, hop), lateBy_(lateBy) {}
+    int delay() const { return reference_.delay() + lateBy_; }
+    void process(double& a, double& b, const ReferenceKernels& kernels) {
+        reference_.process(a, b, kernels);
+        given_.push_back({a, b});
+        const size_t at = given_.size() - 1;
+        a = at >= static_cast<size_t>(lateBy_) ? given_[at - lateBy_][0] : 0.0;
+        b = at >= static_cast<size_t>(lateBy_) ? given_[at - lateBy_][1] : 0.0;
+    }
+
+private:
+    ReferenceConvolver reference_;
+    int lateBy_;
+    std::vector<std::array<double, 2>> given_;
+};
+
 const struct Case {
-    int n, hop;
+    int n, hop, convolutionHop;
     bool tail;  // whether the plan has a tail
 } kCases[] = {
-    {64, 64, false}, {64, 16, false}, {64, 7, false}, {64, 1, true},  {256, 3, true},
-    {1024, 1000, false}, {4096, 512, false}, {4096, 37, true}, {4096, 16, true},
+    {64, 64, 64, false},      {64, 16, 16, false},      {64, 7, 7, false},         {64, 1, 1, true},
+    {256, 3, 3, true},        {1024, 1000, 1000, false}, {4096, 512, 512, false},  {4096, 37, 37, true},
+    {4096, 16, 16, true},     {64, 1, 16, false},        {64, 3, 24, false},       {4096, 4, 16, true},
+    {4096, 64, 2048, false},  {16384, 512, 4096, false},
 };
 
 TEST(PartitionedConvolver, EqualsTheReferenceBlockConvolutionAcrossKernelSwaps) {
     for (const Case& c : kCases)
         for (dsp::MacFamily family : {dsp::MacFamily::Plain, dsp::MacFamily::Sse2, dsp::MacFamily::Avx2Fma}) {
-            SCOPED_TRACE("N " + std::to_string(c.n) + ", hop " + std::to_string(c.hop) + ", family " +
-                         std::to_string(static_cast<int>(family)));
+            SCOPED_TRACE("N " + std::to_string(c.n) + ", hop " + std::to_string(c.hop) + ", convolution hop " +
+                         std::to_string(c.convolutionHop) + ", family " + std::to_string(static_cast<int>(family)));
             dsp::PathConvolver convolver(c.n, family);
-            convolver.configure(c.n, c.hop);
+            convolver.configure(c.n, c.hop, c.convolutionHop);
             const dsp::PartitionPlan plan = convolver.plan();
+            ASSERT_EQ(plan.hop, c.convolutionHop);
             ASSERT_EQ(plan.hasTail(), c.tail);
-            ReferenceConvolver reference(c.n, c.hop);
+            LateReference reference(c.n, c.hop, c.convolutionHop - c.hop);
             ASSERT_EQ(convolver.delay(), reference.delay());
 
-            std::mt19937 rng(c.n * 131 + c.hop);
+            std::mt19937 rng(c.n * 131 + c.hop + c.convolutionHop);
             PublishedKernels published(c.n);
             ReferenceKernels kernels(c.n);
             const auto swap = [&] {
@@ -66,10 +90,10 @@ TEST(PartitionedConvolver, EqualsTheReferenceBlockConvolutionAcrossKernelSwaps) 
                 }
             };
             swap();
-            const int length = 8 * c.n + 40 * c.hop + 8 * plan.tailLength();
+            const int length = 8 * c.n + 40 * plan.hop + 8 * plan.tailLength();
             const auto xa = fft_test::randomSignal(length, 1), xb = fft_test::randomSignal(length, 2);
             // Mostly a few hops apart; now and then long enough for every partition to be in use.
-            std::uniform_int_distribution<int> soon(0, 3 * c.hop), late(0, 2 * c.n + 4 * plan.tailLength());
+            std::uniform_int_distribution<int> soon(0, 3 * c.hop), late(0, 2 * c.n + 4 * plan.tailLength() + plan.hop);
             const auto nextSwap = [&](std::mt19937& r) { return r() % 4 ? soon(r) : late(r); };
             int swapAt = nextSwap(rng);
             for (int i = 0; i < length; ++i) {
@@ -88,20 +112,23 @@ TEST(PartitionedConvolver, EqualsTheReferenceBlockConvolutionAcrossKernelSwaps) 
 
 // The engine's linear ×1 path: encode, convolve, the decode factor, decode; with the output
 // gain at 1, nothing muted and no compensation delay, nothing else touches the samples.
+// A convolution hop longer than the hop delays by the difference; with no compensation delay
+// to shorten, the path is that much later than the reference.
 template <typename Sample>
-void engineMatchesReference(bool midSide, int n, int hop, uint32_t seed) {
+void engineMatchesReference(bool midSide, int n, int hop, int convolutionHop, uint32_t seed) {
     SCOPED_TRACE(std::string(sizeof(Sample) == 4 ? "float" : "double") + (midSide ? " mid/side" : " left/right") +
-                 " N " + std::to_string(n) + " hop " + std::to_string(hop));
+                 " N " + std::to_string(n) + " hop " + std::to_string(hop) + " convolution hop " +
+                 std::to_string(convolutionHop));
     const int rate = 44100;
     dsp::AudioEngine engine;
-    engine.setFrame(n, hop);
+    engine.setFrame(n, hop, convolutionHop);
     engine.setHostRate(rate);
     engine.suspend();
     const dsp::AudioBlockSettings settings{.hostRate = rate, .midSide = midSide};
-    const dsp::PartitionPlan plan = dsp::PartitionPlan::forFrame(n, hop);
+    const dsp::PartitionPlan plan = dsp::PartitionPlan::forFrame(n, convolutionHop);
     PublishedKernels published(dsp::PathConvolver::kMaxFrameSize);
     ReferenceKernels kernels(n);
-    ReferenceConvolver reference(n, hop);
+    LateReference reference(n, hop, convolutionHop - hop);
     std::mt19937 rng(seed);
     const auto swap = [&] {
         const auto a = randomKernel(n, rng), b = randomKernel(n, rng);
@@ -138,10 +165,13 @@ void engineMatchesReference(bool midSide, int n, int hop, uint32_t seed) {
 }
 
 TEST(PartitionedConvolver, TheAudioPathEqualsTheReferenceInHostBlocksOfAnyLength) {
+    const struct {
+        int n, hop, convolutionHop;
+    } frames[] = {{4096, 512, 512}, {4096, 37, 37}, {8192, 64, 64}, {4096, 64, 2048}, {16384, 512, 4096}};
     for (bool midSide : {false, true})
-        for (const auto& [n, hop] : {std::pair{4096, 512}, std::pair{4096, 37}, std::pair{8192, 64}}) {
-            engineMatchesReference<float>(midSide, n, hop, 7 + hop);
-            engineMatchesReference<double>(midSide, n, hop, 9 + hop);
+        for (const auto& f : frames) {
+            engineMatchesReference<float>(midSide, f.n, f.hop, f.convolutionHop, 7 + f.hop);
+            engineMatchesReference<double>(midSide, f.n, f.hop, f.convolutionHop, 9 + f.hop);
         }
 }
 
