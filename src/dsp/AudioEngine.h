@@ -30,6 +30,9 @@
 // the path's state is cleared at the end of that block, so the output is always finite and
 // the path is back to normal one block later.
 //
+// Denormals. process() runs with denormals flushed to zero (DenormalFlush.h) and gives the
+// host its own floating-point mode back on return.
+//
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
 // no locks), and through the two lock-free hand-overs (audition sections, peak holds). The
@@ -45,6 +48,7 @@
 
 #include "dsp/AuditionFilter.h"
 #include "dsp/CompensationDelay.h"
+#include "dsp/DenormalFlush.h"
 #include "dsp/DesignRate.h"
 #include "dsp/GainSmoother.h"
 #include "dsp/MidSide.h"
@@ -185,9 +189,14 @@ private:
                          PathConvolutionOps& ops, double* x) {
         if constexpr (isMinimum(Kind)) {
             // The inputs encoded (and taken to twice the rate), then the cascade over all of them.
+            // The channel pointers and the matrix in locals: the stores below could otherwise
+            // alias them and have them reloaded every sample.
+            const Sample* const inL = io.in[0];
+            const Sample* const inR = io.in[1];
+            const MidSide matrix = ms;
             double* v = inner_;
             for (int i = start; i < end; ++i) {
-                const P e = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
+                const P e = matrix.encode(P::make(inL[i], inR[i]).finiteOrZero());
                 if constexpr (Kind == AudioPathKind::MinimumDouble) {
                     P up[2];
                     doubleRate_.up(e, up);
@@ -285,6 +294,7 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
                           bool secondOutputConnected, const AudioBlockSettings& settings, Reader&& reader,
                           PathConvolutionOps& ops, Feed&& feed) {
     if (!inputs || !outputs || !inputs[0] || !outputs[0] || frames <= 0) return;
+    const DenormalFlush flush;
     const auto io = ChannelBuffers<Sample>::resolve(inputs, outputs, secondInputConnected, secondOutputConnected);
     const AudioPathKind kind = pathFor(settings);
     beginBlock(kind, settings);
