@@ -30,8 +30,9 @@
 // the path's state is cleared at the end of that block, so the output is always finite and
 // the path is back to normal one block later.
 //
-// Denormals. process() runs with denormals flushed to zero (DenormalFlush.h) and gives the
-// host its own floating-point mode back on return.
+// Denormals. Every path but the bypass runs with denormals flushed to zero (DenormalFlush.h)
+// and gives the host its own floating-point mode back on return; the bypass passes even
+// denormal samples through untouched.
 //
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
@@ -294,9 +295,9 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
                           bool secondOutputConnected, const AudioBlockSettings& settings, Reader&& reader,
                           PathConvolutionOps& ops, Feed&& feed) {
     if (!inputs || !outputs || !inputs[0] || !outputs[0] || frames <= 0) return;
-    const DenormalFlush flush;
-    const auto io = ChannelBuffers<Sample>::resolve(inputs, outputs, secondInputConnected, secondOutputConnected);
     const AudioPathKind kind = pathFor(settings);
+    const DenormalFlush flush(kind != AudioPathKind::Bypass);
+    const auto io = ChannelBuffers<Sample>::resolve(inputs, outputs, secondInputConnected, secondOutputConnected);
     beginBlock(kind, settings);
     if (kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble)
         cascade_.load(reader, settings.activeSlots);

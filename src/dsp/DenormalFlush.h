@@ -16,13 +16,19 @@ public:
 #if defined(__x86_64__) || defined(__i386__)
     static constexpr unsigned kFlushBits = 0x8040;  // FTZ (bit 15) | DAZ (bit 6)
 
-    DenormalFlush() : saved_(_mm_getcsr()) { _mm_setcsr(saved_ | kFlushBits); }
-    ~DenormalFlush() { _mm_setcsr(saved_); }
+    // Not `engaged`: the mode stays as it is.
+    explicit DenormalFlush(bool engaged = true) : saved_(_mm_getcsr()), engaged_(engaged) {
+        if (engaged_) _mm_setcsr(saved_ | kFlushBits);
+    }
+    ~DenormalFlush() {
+        if (engaged_) _mm_setcsr(saved_);
+    }
 
 private:
     const unsigned saved_;
+    const bool engaged_;
 #else
-    DenormalFlush() {}
+    explicit DenormalFlush(bool = true) {}
 #endif
 public:
     DenormalFlush(const DenormalFlush&) = delete;
