@@ -99,15 +99,14 @@ struct Wavefront512 {
         }
     }
 
-    // The lanes of register r whose sections have a sample at step t: t − count < j ≤ t.
-    void masksAt(int t, int count, __mmask8* mask) const {
+    // The lanes of register r whose sections have a sample at step t: t − count < j ≤ t, for
+    // the section j = 2·(4·group + q) + pass of lanes 2q and 2q + 1.
+    static void masksAt(int t, int count, __mmask8* mask) {
         for (int r = 0; r < kRegisters; ++r) {
-            unsigned m = 0;
-            for (int q = 0; q < 4; ++q) {
-                const int j = 2 * (4 * (r / 2) + q) + r % 2;
-                if (t - count < j && j <= t) m |= 3u << (2 * q);
-            }
-            mask[r] = static_cast<__mmask8>(m);
+            const int first = 8 * (r / 2) + r % 2;
+            const __m512i j = _mm512_set_epi64(first + 6, first + 6, first + 4, first + 4, first + 2, first + 2, first, first);
+            mask[r] = _mm512_cmpgt_epi64_mask(j, _mm512_set1_epi64(t - count)) &
+                      _mm512_cmple_epi64_mask(j, _mm512_set1_epi64(t));
         }
     }
 
