@@ -46,6 +46,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 #include "dsp/AuditionFilter.h"
 #include "dsp/CompensationDelay.h"
@@ -53,6 +54,7 @@
 #include "dsp/DesignRate.h"
 #include "dsp/GainSmoother.h"
 #include "dsp/MidSide.h"
+#include "dsp/MidSideWide.h"
 #include "dsp/MinimumPhaseCascade.h"
 #include "dsp/PathConvolver.h"
 #include "dsp/PathPeakHold.h"
@@ -196,6 +198,13 @@ private:
             const Sample* const inR = io.in[1];
             const MidSide matrix = ms;
             double* v = inner_;
+            if constexpr (Kind == AudioPathKind::MinimumUnity && std::is_same_v<P, Sse2Pair>) {
+                if (encodeWide_) {
+                    encodePairsAvx512(inL + start, inR + start, end - start, matrix.m, inner_);
+                    cascade_.process<P>(inner_, end - start);
+                    return;
+                }
+            }
             for (int i = start; i < end; ++i) {
                 const P e = matrix.encode(P::make(inL[i], inR[i]).finiteOrZero());
                 if constexpr (Kind == AudioPathKind::MinimumDouble) {
@@ -276,6 +285,7 @@ private:
     GainSmoother gain_;
     PathConvolver convolver_;
     MinimumPhaseCascade cascade_;
+    const bool encodeWide_ = widestCascadeWidth() == CascadeWidth::Avx512;  // the minimum path's encoder too
     DoubleRateConverter doubleRate_;
     HalfRateConverter halfRate_;
     QuarterRateConverter quarterRate_;

@@ -294,6 +294,8 @@ void expectFamiliesAgree(const PathCase& c) {
     const uint32_t masks[] = {0xffffu, 0x00ffu, 0xff00u, 0x0a5bu, 0xf301u, 0u};
     const auto l = randomSignal(60000, 21), r = randomSignal(60000, 22);
     std::vector<Sample> in[2] = {{l.begin(), l.end()}, {r.begin(), r.end()}}, out[2][2];
+    // Non-finite samples enter as silence in both families, at any place in a block.
+    in[0][1234] = std::numeric_limits<Sample>::quiet_NaN(), in[1][40001] = -std::numeric_limits<Sample>::infinity();
     for (int f = 0; f < 2; ++f) {
         rigs[f].settings = c.settings;
         rigs[f].settings.analyzerWeightA = 0.3;
