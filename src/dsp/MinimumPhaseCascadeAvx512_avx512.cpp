@@ -36,13 +36,12 @@ using Stage = CascadeStage;
 
 template <int Stages, bool CarryB1>
 struct Wavefront512 {
-    static constexpr int Groups = (Stages + 3) / 4;
-    static constexpr int kRegisters = 2 * Groups;  // register 2·group + pass
-    static constexpr int stages = Stages;
-    __m512d b0[Groups], b1[Groups], b2[Groups], a1[Groups], a2[Groups];
+    static constexpr int kGroups = (Stages + 3) / 4;
+    static constexpr int kRegisters = 2 * kGroups;  // register 2·group + pass
+    __m512d b0[kGroups], b1[kGroups], b2[kGroups], a1[kGroups], a2[kGroups];
     // The states in two banks that trade roles every step (newest and one before).
     __m512d x[2][kRegisters], y[2][kRegisters];
-    __m512d carried[Groups];  // CarryB1: the second passes' b1·x1 for the next step
+    __m512d carried[kGroups];  // CarryB1: the second passes' b1·x1 for the next step
 
     // Lanes of stage 4·group + q from the stages, zero beyond the last.
     template <class Get>
@@ -50,7 +49,7 @@ struct Wavefront512 {
         alignas(64) double v[8] = {};
         for (int q = 0; q < 4; ++q) {
             const int s = 4 * group + q;
-            if (s >= stages) break;
+            if (s >= Stages) break;
             const double* p = get(s);
             v[2 * q] = p[0], v[2 * q + 1] = p[1];
         }
@@ -62,7 +61,7 @@ struct Wavefront512 {
         _mm512_store_pd(v, value);
         for (int q = 0; q < 4; ++q) {
             const int s = 4 * group + q;
-            if (s >= stages) break;
+            if (s >= Stages) break;
             double* p = get(s);
             p[0] = v[2 * q], p[1] = v[2 * q + 1];
         }
@@ -81,12 +80,12 @@ struct Wavefront512 {
     [[gnu::always_inline]] void step(const double* input, const __mmask8* mask) {
         constexpr int older = 1 - Newest;
         __m512d in[kRegisters];
-        for (int g = 0; g < Groups; ++g) {
+        for (int g = 0; g < kGroups; ++g) {
             const __m512d below = g == 0 ? pairEverywhere(input) : y[Newest][2 * g - 1];
             in[2 * g] = upOneStage(y[Newest][2 * g + 1], below);
             in[2 * g + 1] = y[Newest][2 * g];
         }
-        __m512d firstPassA1[Groups];
+        __m512d firstPassA1[kGroups];
         for (int r = 0; r < kRegisters; ++r) {
             const int g = r / 2;
             const bool secondPass = r % 2;
@@ -142,12 +141,12 @@ struct Wavefront512 {
         __mmask8 mask[kRegisters];
         masksAt(t, count, mask);
         step<Newest, true>(pairs + 2 * (t < count ? t : count - 1), mask);
-        const int sample = t - 2 * stages + 1;
+        const int sample = t - 2 * Stages + 1;
         if (sample >= 0 && sample < count) emit<1 - Newest>(pairs, t);
     }
 
     void run(Stage* st, double* pairs, int count) {
-        for (int g = 0; g < Groups; ++g) {
+        for (int g = 0; g < kGroups; ++g) {
             b0[g] = gather(g, [&](int s) { return st[s].b0; });
             b1[g] = gather(g, [&](int s) { return st[s].b1; });
             b2[g] = gather(g, [&](int s) { return st[s].b2; });
@@ -162,7 +161,7 @@ struct Wavefront512 {
             }
             if constexpr (CarryB1) carried[g] = _mm512_setzero_pd();  // every second pass waits at step 0
         }
-        const int sections = 2 * stages, steps = count + sections - 1;
+        const int sections = 2 * Stages, steps = count + sections - 1;
         const int fullFrom = sections - 1, fullTo = count;  // every section has a sample
         int t = 0, newest = 0;
         auto edge = [&](int to) {
@@ -190,7 +189,7 @@ struct Wavefront512 {
         }
         edge(steps);
 
-        for (int g = 0; g < Groups; ++g)
+        for (int g = 0; g < kGroups; ++g)
             for (int pass = 0; pass < 2; ++pass) {
                 const int r = 2 * g + pass;
                 scatter(g, x[newest][r], [&](int s) { return st[s].state[pass][Stage::kX1]; });
