@@ -8,6 +8,10 @@
 //     transforms  the FFT family of the kernel designer (scalar, sse2, avx2); the convolution
 //                 itself always runs the fastest transforms and multiply-accumulate
 //
+//   tail/minimum_x1/48000/<loops>+<transforms>
+//     the same second, but only its first block is noise and the rest silence: the bands'
+//     tails decay through the denormal range, which must cost no more than the noise does
+//
 // Counters:
 //   x_realtime   seconds of audio per second of CPU time (one core)
 //
@@ -70,7 +74,8 @@ void designBusyBands(dsp::BandModel& model, double designRate) {
     model.designAllBands(designRate);
 }
 
-void runPath(benchmark::State& state, PathSetup setup, int resolution, PathFamily loops, FftFamily transforms) {
+void runPath(benchmark::State& state, PathSetup setup, int resolution, PathFamily loops, FftFamily transforms,
+             bool tail) {
     if (!dsp::fftFamilyUsable(transforms)) return state.SkipWithError("not usable on this processor");
     const int n = 4096 << (resolution + (setup.fat ? 1 : 0));
     const int hop = hopFor(setup.rate, setup.fat, n);
@@ -104,13 +109,15 @@ void runPath(benchmark::State& state, PathSetup setup, int resolution, PathFamil
         out[c].resize(kBlock);
         for (float& v : in[c]) v = u(rng);
     }
+    const std::vector<float> silence(kBlock, 0.0f);
     float* inputs[2] = {in[0].data(), in[1].data()};
+    float* silent[2] = {const_cast<float*>(silence.data()), const_cast<float*>(silence.data())};
     float* outputs[2] = {out[0].data(), out[1].data()};
 
     for (auto _ : state) {
         for (int done = 0; done < setup.rate; done += kBlock) {
             const int frames = std::min(kBlock, setup.rate - done);
-            engine.process(inputs, outputs, frames, true, true, s, reader, ops, feed);
+            engine.process(tail && done > 0 ? silent : inputs, outputs, frames, true, true, s, reader, ops, feed);
         }
         benchmark::DoNotOptimize(out[0].data());
         benchmark::ClobberMemory();
@@ -187,9 +194,15 @@ void registerAll() {
                 std::string name = std::string("path/") + p.name + "/" + std::to_string(p.rate) + "/";
                 if (p.linPhase && p.power) name += "res" + std::to_string(r) + "/";
                 name += std::string(dsp::pathFamilyName(loops)) + "+" + fftName(fft);
-                benchmark::RegisterBenchmark(name.c_str(), runPath, p, r, loops, fft)->Unit(benchmark::kMillisecond);
+                benchmark::RegisterBenchmark(name.c_str(), runPath, p, r, loops, fft, false)->Unit(benchmark::kMillisecond);
             }
     }
+    const PathSetup minimum = paths[3];
+    for (const auto& [loops, fft] : families)
+        if (fft != FftFamily::Avx2) {
+            const std::string name = std::string("tail/minimum_x1/48000/") + dsp::pathFamilyName(loops) + "+" + fftName(fft);
+            benchmark::RegisterBenchmark(name.c_str(), runPath, minimum, 0, loops, fft, true)->Unit(benchmark::kMillisecond);
+        }
     registerConverters<dsp::DoubleRateConverter>("x2", 48000);
     registerConverters<dsp::HalfRateConverter>("x1/2", 96000);
     registerConverters<dsp::QuarterRateConverter>("x1/4", 192000);

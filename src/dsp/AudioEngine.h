@@ -31,6 +31,10 @@
 // the path's state is cleared at the end of that block, so the output is always finite and
 // the path is back to normal one block later.
 //
+// Denormals. Every path but the bypass runs with denormals flushed to zero (DenormalFlush.h)
+// and gives the host its own floating-point mode back on return; the bypass passes even
+// denormal samples through untouched.
+//
 // Threads. process() runs on the audio thread and owns every buffer. Other threads change the
 // engine only through the setters below, which post the change for the next block (atomics,
 // no locks), and through the two lock-free hand-overs (audition sections, peak holds). The
@@ -43,12 +47,15 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 #include "dsp/AuditionFilter.h"
 #include "dsp/CompensationDelay.h"
+#include "dsp/DenormalFlush.h"
 #include "dsp/DesignRate.h"
 #include "dsp/GainSmoother.h"
 #include "dsp/MidSide.h"
+#include "dsp/MidSideWide.h"
 #include "dsp/MinimumPhaseCascade.h"
 #include "dsp/PathConvolver.h"
 #include "dsp/PathPeakHold.h"
@@ -206,9 +213,21 @@ private:
                          PathConvolutionOps& ops, double* x) {
         if constexpr (isMinimum(Kind)) {
             // The inputs encoded (and taken to twice the rate), then the cascade over all of them.
+            // The channel pointers and the matrix in locals: the stores below could otherwise
+            // alias them and have them reloaded every sample.
+            const Sample* const inL = io.in[0];
+            const Sample* const inR = io.in[1];
+            const MidSide matrix = ms;
             double* v = inner_;
+            if constexpr (Kind == AudioPathKind::MinimumUnity && std::is_same_v<P, Sse2Pair>) {
+                if (encodeWide_) {
+                    encodePairsAvx512(inL + start, inR + start, end - start, matrix.m, inner_);
+                    cascade_.process<P>(inner_, end - start);
+                    return;
+                }
+            }
             for (int i = start; i < end; ++i) {
-                const P e = ms.template encode<P>(finiteOrZero(io.in[0][i]), finiteOrZero(io.in[1][i]));
+                const P e = matrix.encode(P::make(inL[i], inR[i]).finiteOrZero());
                 if constexpr (Kind == AudioPathKind::MinimumDouble) {
                     P up[2];
                     doubleRate_.up(e, up);
@@ -287,6 +306,7 @@ private:
     GainSmoother gain_;
     PathConvolver convolver_;
     MinimumPhaseCascade cascade_;
+    const bool encodeWide_ = widestCascadeWidth() == CascadeWidth::Avx512;  // the minimum path's encoder too
     DoubleRateConverter doubleRate_;
     HalfRateConverter halfRate_;
     QuarterRateConverter quarterRate_;
@@ -306,8 +326,9 @@ void AudioEngine::process(Sample* const* inputs, Sample* const* outputs, int fra
                           bool secondOutputConnected, const AudioBlockSettings& settings, Reader&& reader,
                           PathConvolutionOps& ops, Feed&& feed) {
     if (!inputs || !outputs || !inputs[0] || !outputs[0] || frames <= 0) return;
-    const auto io = ChannelBuffers<Sample>::resolve(inputs, outputs, secondInputConnected, secondOutputConnected);
     const AudioPathKind kind = pathFor(settings);
+    const DenormalFlush flush(kind != AudioPathKind::Bypass);
+    const auto io = ChannelBuffers<Sample>::resolve(inputs, outputs, secondInputConnected, secondOutputConnected);
     beginBlock(kind, settings);
     if (kind == AudioPathKind::MinimumUnity || kind == AudioPathKind::MinimumDouble)
         cascade_.load(reader, settings.activeSlots);

@@ -54,7 +54,10 @@ struct MidSide {
     // exactly as subtracting m·y, so these equal the forms above bit for bit.
     template <class P>
     P encode(double left, double right) const {
-        const P x = P::make(left, right);
+        return encode(P::make(left, right));
+    }
+    template <class P>
+    P encode(P x) const {
         return x + P::splat(m) * x.crossedBack();
     }
     template <class P>

@@ -21,10 +21,14 @@
 // of dependent additions. Every section still sees its samples in order and computes exactly
 // what it would one sample at a time.
 //
-// Where the processor has AVX2, the SSE2 family runs the steps in which every section has a
-// sample on 256-bit registers: both passes of a stage in one register (pass 1 one sample behind
-// pass 0), with every state in a register for the whole stretch. Same operations in the same
-// order, no fused multiply-add: the numbers are those of the pair routine, bit for bit.
+// Where the processor has AVX-512, the SSE2 family runs the whole wavefront on 512-bit
+// registers (four stages' first or second passes in one), with every coefficient and state in
+// a register for the whole stretch; where it has AVX2 only, the steps in which every section
+// has a sample run on 256-bit registers. Same operations in the same order, no fused
+// multiply-add: the numbers are those of the pair routine, bit for bit.
+//
+// A section adds nothing to keep a decaying tail out of the denormal range: the engine runs
+// with denormals flushed to zero (DenormalFlush.h), which costs nothing per section.
 
 #include <algorithm>
 #include <cstdint>
@@ -48,14 +52,25 @@ struct alignas(16) CascadeStage {
 // steps where every section has a sample (to ≤ the block length, from ≥ 2·stageCount − 1).
 // Leaves the states, and the in-flight samples in `pairs`, as the pair routine would.
 void cascadeFullStepsAvx2(CascadeStage* stages, int stageCount, double* pairs, int from, int to);
+// The whole wavefront of `stageCount` stages (1..8) over `count` pairs, in place.
+void cascadeBlockAvx512(CascadeStage* stages, int stageCount, double* pairs, int count);
+
+// The widest registers the SSE2 family's cascade may use.
+enum class CascadeWidth { Pairs, Avx2, Avx512 };
+
+inline CascadeWidth widestCascadeWidth() {
+    if (platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx512)) return CascadeWidth::Avx512;
+    return avx2Usable() ? CascadeWidth::Avx2 : CascadeWidth::Pairs;
+}
 
 class MinimumPhaseCascade {
 public:
     static constexpr int kSectionsPerBand = CascadeStage::kPasses;
     static constexpr int kMaxBlock = 512;  // pairs per process() call
 
-    // `wide`: the SSE2 family takes the AVX2 steps (only where the machine has AVX2).
-    explicit MinimumPhaseCascade(bool wide = true) : wide_(wide && avx2Usable()) {}
+    // `widest`: the SSE2 family uses registers up to this width, where the machine has them.
+    explicit MinimumPhaseCascade(CascadeWidth widest = CascadeWidth::Avx512)
+        : width_(std::min(widest, widestCascadeWidth())) {}
 
     // Bit s set: slot s (bands 1..8 of side A, then of side B) runs. A band type of 7 or more
     // is a band switched off.
@@ -118,8 +133,7 @@ private:
     template <class P>
     static P section(const Coefficients<P>& c, double (&s)[kStateCount][kSides], P x) {
         const P x1 = P::load(s[kX1]), x2 = P::load(s[kX2]), y1 = P::load(s[kY1]), y2 = P::load(s[kY2]);
-        P y = c.b0 * x + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
-        y = (y + P::splat(1e-30)) - P::splat(1e-30);  // a decaying tail never reaches the denormal range
+        const P y = c.b0 * x + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
         x1.store(s[kX2]);
         x.store(s[kX1]);
         y1.store(s[kY2]);
@@ -134,6 +148,9 @@ private:
     void wavefront(double* pairs, int count, int first, int last) {
         const int sections = kSectionsPerBand * (last - first);
         if (sections == 0) return;
+        if constexpr (std::is_same_v<P, Sse2Pair>) {
+            if (width_ == CascadeWidth::Avx512) return cascadeBlockAvx512(stages_ + first, last - first, pairs, count);
+        }
         const int fullFrom = sections - 1, fullTo = count;  // steps where every section has a sample
         auto step = [&](int t, bool checked) {
             for (int p = first; p < last; ++p) {
@@ -151,7 +168,7 @@ private:
         int t = 0;
         for (; t < fullFrom && t < count + sections - 1; ++t) step(t, true);
         if constexpr (std::is_same_v<P, Sse2Pair>) {
-            if (wide_ && t < fullTo) {
+            if (width_ == CascadeWidth::Avx2 && t < fullTo) {
                 cascadeFullStepsAvx2(stages_ + first, last - first, pairs, t, fullTo);
                 t = fullTo;
             }
@@ -196,7 +213,7 @@ private:
         wasActive_ = activeSlots;
     }
 
-    const bool wide_;
+    const CascadeWidth width_;
     Stage stages_[kBandsPerSide] = {};
     int slot_[kSides][kBandsPerSide] = {};  // the slot of each side's p-th active band
     int count_[kSides] = {};

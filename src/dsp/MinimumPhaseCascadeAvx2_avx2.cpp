@@ -37,7 +37,6 @@ struct Wavefront {
     template <int Newest>
     void step(double* pairs, int t) {
         constexpr int older = 1 - Newest;
-        const __m256d tiny = _mm256_set1_pd(1e-30);
         for (int g = 0; g < S; ++g) {
             const __m256d below = g == 0 ? _mm256_castpd128_pd256(_mm_load_pd(pairs + 2 * t)) : y[Newest][g - 1];
             const __m256d in = _mm256_permute2f128_pd(y[Newest][g], below, 0x21);  // (own pass 0, below's pass 1)
@@ -46,7 +45,7 @@ struct Wavefront {
             out = _mm256_sub_pd(out, _mm256_mul_pd(a1[g], y[Newest][g]));
             out = _mm256_sub_pd(out, _mm256_mul_pd(a2[g], y[older][g]));
             x[older][g] = in;
-            y[older][g] = _mm256_sub_pd(_mm256_add_pd(out, tiny), tiny);
+            y[older][g] = out;
         }
         _mm_store_pd(pairs + 2 * (t - 2 * S + 1), _mm256_castpd256_pd128(y[older][S - 1]));
     }

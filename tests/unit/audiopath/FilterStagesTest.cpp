@@ -208,14 +208,13 @@ void filter(dsp::MinimumPhaseCascade& c, const Signal (&x)[2], Signal (&y)[2], s
 }
 
 // Each side through its own sections one sample at a time, the section y = b0·x + b1·x1 +
-// b2·x2 − a1·y1 − a2·y2 summed in that order and kept out of the denormal range.
+// b2·x2 − a1·y1 − a2·y2 summed in that order.
 Signal serialSections(const std::vector<dsp::BiquadCoefficients>& sections, Signal x) {
     for (const auto& c : sections)
         for (int pass = 0; pass < 2; ++pass) {
             double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
             for (double& v : x) {
-                double y = c.b0 * v + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
-                y = (y + 1e-30) - 1e-30;
+                const double y = c.b0 * v + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2;
                 x2 = x1, x1 = v, y2 = y1, y1 = y, v = y;
             }
         }
@@ -269,15 +268,17 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
     for (int s = 0; s < dsp::kBandSlots; ++s) bank.slots[s] = peaking(60.0 * (s + 1), 0.5 + 0.3 * (s % 4), s % 2 ? 6.0 : -9.0);
     const Signal x[2] = {randomSignal(5000, 41), randomSignal(5000, 42)};
     for (uint32_t active : {0xffffu, 0x01ffu, 0xfe01u, 0x0000u, 0x8001u}) {
-        // The SSE2 family with and without the 256-bit steps.
-        dsp::MinimumPhaseCascade plain, sse2(false), wide(true);
+        // The SSE2 family on 128-, 256- and 512-bit registers.
+        dsp::MinimumPhaseCascade plain, sse2(dsp::CascadeWidth::Pairs), wide(dsp::CascadeWidth::Avx2), widest;
         plain.load(bank, active);
         sse2.load(bank, active);
         wide.load(bank, active);
-        Signal y[2], z[2], w[2];
+        widest.load(bank, active);
+        Signal y[2], z[2], w[2], v[2];
         filter<dsp::PlainPair>(plain, x, y, {512, 3, 1, 200, 511});
         filter<dsp::Sse2Pair>(sse2, x, z, {17, 512, 64});
         filter<dsp::Sse2Pair>(wide, x, w, {512, 31, 32, 33, 1, 300});
+        filter<dsp::Sse2Pair>(widest, x, v, {512, 14, 15, 16, 1, 2, 300});
         for (int side = 0; side < 2; ++side) {
             std::vector<dsp::BiquadCoefficients> own;
             for (int b = 0; b < dsp::kBandsPerSide; ++b)
@@ -286,6 +287,7 @@ TEST(MinimumPhaseCascade, BlocksGiveExactlyTheSerialSectionsOfEachSide) {
             EXPECT_EQ(y[side], expected) << std::hex << active << " side " << side;
             EXPECT_EQ(z[side], expected) << std::hex << active << " side " << side;
             EXPECT_EQ(w[side], expected) << std::hex << active << " side " << side;
+            EXPECT_EQ(v[side], expected) << std::hex << active << " side " << side;
         }
     }
 }
