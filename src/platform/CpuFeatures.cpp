@@ -63,6 +63,11 @@ uint32_t detectCpuFeatures(CpuFeatures& f) {
             f.processorMask |= kCpuAvx2;
             if (osxsave && (readXcr0() & 0x6) == 0x6) f.osMask |= kCpuAvx2;
         }
+        if (avx && (b7 & (1u << 16))) {
+            f.processorMask |= kCpuAvx512;
+            // XMM, YMM, the mask registers and both halves of the ZMM registers.
+            if (osxsave && (readXcr0() & 0xE6) == 0xE6) f.osMask |= kCpuAvx512;
+        }
     }
 
     const char* name = "unknown processor";

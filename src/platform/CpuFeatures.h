@@ -10,7 +10,8 @@ enum CpuFeatureBit : uint32_t {
     kCpuMmx = 1u << 0,
     kCpuSse = 1u << 1,
     kCpuSse2 = 1u << 2,
-    kCpuAvx2 = 1u << 3,  // AVX2 together with FMA, and the OS saving the YMM state
+    kCpuAvx2 = 1u << 3,    // AVX2 together with FMA, and the OS saving the YMM state
+    kCpuAvx512 = 1u << 4,  // AVX-512 Foundation, and the OS saving the ZMM and mask state
 };
 
 struct CpuFeatures {
