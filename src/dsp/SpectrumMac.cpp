@@ -8,6 +8,9 @@ namespace dsp {
 
 SpectrumMac spectrumMac(MacFamily family) {
     switch (family) {
+        case MacFamily::Avx512:
+            if (platform::cpuFeatures().usable(platform::kCpuAvx512)) return mac::avx512;
+            [[fallthrough]];
         case MacFamily::Avx2Fma:
             if (platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx2)) return mac::avx2Fma;
             [[fallthrough]];
@@ -17,6 +20,7 @@ SpectrumMac spectrumMac(MacFamily family) {
 }
 
 MacFamily preferredMacFamily() {
+    if (platform::cpuFeatures().usable(platform::kCpuAvx512)) return MacFamily::Avx512;
     return platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx2) ? MacFamily::Avx2Fma
                                                                                     : MacFamily::Sse2;
 }

@@ -6,14 +6,14 @@
 // complex product is four fused multiply-adds. The real bins 0 and M (entries 0 and 1 of the
 // packed spectrum, here entries 0 and 4) are two real products.
 //
-// One routine per family: plain C++ (the reference), SSE2, and AVX2 with fused multiply-adds
-// where the processor has them. The families differ only in rounding (a fused multiply-add
+// One routine per family: plain C++ (the reference), SSE2, AVX2 with fused multiply-adds and
+// AVX-512, each where the processor has it. The families differ only in rounding (a fused multiply-add
 // rounds once). They treat every run alike, as four complex bins, so that a spectrum can be
 // taken a stretch of runs at a time; macSpectrum() puts the two real bins right.
 
 namespace dsp {
 
-enum class MacFamily { Plain, Sse2, Avx2Fma };
+enum class MacFamily { Plain, Sse2, Avx2Fma, Avx512 };
 
 // acc ← acc + Σ_j x[j]·k[j], j < terms, over the runs of 2·half doubles (half a multiple of
 // 4), all as complex bins; each run's sum is kept in registers until all terms are in.
@@ -48,6 +48,7 @@ namespace mac {
 void plain(double* acc, const double* const* x, const double* const* k, int terms, int half);
 void sse2(double* acc, const double* const* x, const double* const* k, int terms, int half);
 void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void avx512(double* acc, const double* const* x, const double* const* k, int terms, int half);
 }  // namespace mac
 
 }  // namespace dsp
