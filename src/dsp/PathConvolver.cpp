@@ -134,9 +134,8 @@ void PathConvolver::gather(double* frame, const double* input, int count, int ha
 // block's output with what earlier blocks left; samples Hc..2Hc − 1 are left for the next one.
 void PathConvolver::headBlock(int side, bool usable) {
     const int h = plan_.hop, m = plan_.headHalf;
-    double* frame = work_.data();
-    gather(frame, input_[side], h, m);
-    head_.complete(side, frame, headKernels(side), usable, fft_, mac_);
+    gather(head_.frame(side), input_[side], h, m);
+    head_.complete(side, headKernels(side), usable, fft_, mac_);
 
     const double* current = head_.output(side);
     double* output = output_[side];
@@ -155,9 +154,13 @@ void PathConvolver::headBlock(int side, bool usable) {
 // The tail block just completed: its output begins one tail length after the block began,
 // with the next block.
 void PathConvolver::tailBlock(int side, bool usable) {
+    // Gathered apart from the delay line: a kernel change before the block completes settles
+    // the part gathered so far through the same frame.
     double* frame = sides_[side].tailFrame.data();
-    tail_.complete(side, frame, tailKernels(side), usable, fft_, mac_);
-    std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
+    const size_t entries = plan_.tailPartitionDoubles();
+    std::copy(frame, frame + entries, tail_.frame(side));
+    std::fill(frame, frame + entries, 0.0);
+    tail_.complete(side, tailKernels(side), usable, fft_, mac_);
     addToRing(side, tail_.output(side), plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
 }
 

@@ -9,13 +9,13 @@ namespace dsp {
 SpectrumMac spectrumMac(MacFamily family) {
     switch (family) {
         case MacFamily::Avx512:
-            if (platform::cpuFeatures().usable(platform::kCpuAvx512)) return mac::avx512;
+            if (platform::cpuFeatures().usable(platform::kCpuAvx512)) return {mac::avx512, mac::swapAvx512};
             [[fallthrough]];
         case MacFamily::Avx2Fma:
-            if (platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx2)) return mac::avx2Fma;
+            if (platform::cpuFeatures().usable(platform::kCpuSse2 | platform::kCpuAvx2)) return {mac::avx2Fma, mac::swapAvx2};
             [[fallthrough]];
-        case MacFamily::Sse2: return mac::sse2;
-        default: return mac::plain;
+        case MacFamily::Sse2: return {mac::sse2, swapMacLayout};
+        default: return {mac::plain, swapMacLayout};
     }
 }
 

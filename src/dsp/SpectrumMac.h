@@ -17,14 +17,22 @@ enum class MacFamily { Plain, Sse2, Avx2Fma, Avx512 };
 
 // acc ← acc + Σ_j x[j]·k[j], j < terms, over the runs of 2·half doubles (half a multiple of
 // 4), all as complex bins; each run's sum is kept in registers until all terms are in.
-using SpectrumMac = void (*)(double* acc, const double* const* x, const double* const* k, int terms, int half);
+using MacSum = void (*)(double* acc, const double* const* x, const double* const* k, int terms, int half);
+// Packed spectrum ↔ multiply-accumulate layout, in place (the rearrangement is its own inverse).
+using MacLayoutSwap = void (*)(double* spectrum, int half);
+
+// One family's routines: the sum, and the layout swap in the same registers.
+struct SpectrumMac {
+    MacSum sum;
+    MacLayoutSwap swap;
+};
 
 // The same over whole spectra of 2·half doubles, the real bins 0 and M included.
 inline void macSpectra(SpectrumMac mac, double* acc, const double* const* x, const double* const* k, int terms,
                        int half) {
     double dc = acc[0], nyquist = acc[4];
     for (int j = 0; j < terms; ++j) dc += x[j][0] * k[j][0], nyquist += x[j][4] * k[j][4];
-    mac(acc, x, k, terms, half);
+    mac.sum(acc, x, k, terms, half);
     acc[0] = dc;
     acc[4] = nyquist;
 }
@@ -36,7 +44,7 @@ SpectrumMac spectrumMac(MacFamily family);
 // The fastest family this machine runs.
 MacFamily preferredMacFamily();
 
-// Packed spectrum ↔ multiply-accumulate layout, in place (the rearrangement is its own inverse).
+// The layout swap without vector registers wider than SSE2 (every family's numbers are the same).
 void swapMacLayout(double* spectrum, int half);
 // Where entry e of the packed spectrum is in the multiply-accumulate layout (and back).
 constexpr int macLayoutIndex(int e) {
@@ -49,6 +57,8 @@ void plain(double* acc, const double* const* x, const double* const* k, int term
 void sse2(double* acc, const double* const* x, const double* const* k, int terms, int half);
 void avx2Fma(double* acc, const double* const* x, const double* const* k, int terms, int half);
 void avx512(double* acc, const double* const* x, const double* const* k, int terms, int half);
+void swapAvx2(double* spectrum, int half);
+void swapAvx512(double* spectrum, int half);
 }  // namespace mac
 
 }  // namespace dsp

@@ -21,4 +21,14 @@ void avx2Fma(double* acc, const double* const* x, const double* const* k, int te
     }
 }
 
+// Packed (r0, i0, r1, i1 | r2, i2, r3, i3) ↔ (r0, r2, r1, r3 | i0, i2, i1, i3): interleaving
+// the two halves of a run one way is undoing it the other.
+void swapAvx2(double* spectrum, int half) {
+    for (int run = 0; run < 2 * half; run += 8) {
+        const __m256d a = _mm256_loadu_pd(spectrum + run), b = _mm256_loadu_pd(spectrum + run + 4);
+        _mm256_storeu_pd(spectrum + run, _mm256_unpacklo_pd(a, b));
+        _mm256_storeu_pd(spectrum + run + 4, _mm256_unpackhi_pd(a, b));
+    }
+}
+
 }  // namespace dsp::mac

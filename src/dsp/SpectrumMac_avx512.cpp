@@ -42,4 +42,12 @@ void avx512(double* acc, const double* const* x, const double* const* k, int ter
     }
 }
 
+void swapAvx512(double* spectrum, int half) {
+    // Entries 0, 4, 2, 6, 1, 5, 3, 7 of each run (macLayoutIndex(), which is its own inverse);
+    // zero-masking for the same reason as lanes().
+    const __m512i order = _mm512_set_epi64(7, 3, 5, 1, 6, 2, 4, 0);
+    for (int run = 0; run < 2 * half; run += 8)
+        _mm512_storeu_pd(spectrum + run, _mm512_maskz_permutexvar_pd(0xFF, order, _mm512_loadu_pd(spectrum + run)));
+}
+
 }  // namespace dsp::mac
