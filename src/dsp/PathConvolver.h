@@ -156,7 +156,7 @@ private:
     Side sides_[kSides];
     PartitionStage head_;
     PartitionStage tail_;
-    AlignedBuffer work_;  // one head transform, 2M entries
+    AlignedBuffer work_;  // the settled part of the current block, 2M entries
     size_t ringMask_;
 
     double* input_[kSides];
