@@ -37,9 +37,10 @@ void PartitionStage::complete(int side, const PartitionSpectra& kernels, bool us
             terms_.x[p] = spectrum(side, current_ + count_ - p);
             terms_.k[p] = kernels[p];
         }
-        macSpectra(mac, acc, terms_.x.data(), terms_.k.data(), terms, half_);
+        macSpectraPacked(mac, acc, terms_.x.data(), terms_.k.data(), terms, half_);
+    } else {
+        mac.swap(acc, half_);
     }
-    mac.swap(acc, half_);
     fft.inverseAny(acc, half_);
 }
 

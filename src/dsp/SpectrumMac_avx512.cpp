@@ -22,8 +22,15 @@ __m512d lanes(__m512d a, __m512d b) {
     return _mm512_maskz_shuffle_f64x2(0xFF, a, b, select);
 }
 
+// A run's entries 0, 4, 2, 6, 1, 5, 3, 7 (macLayoutIndex(), which is its own inverse: the same
+// order takes the packed layout to the multiply-accumulate one); zero-masking as in lanes().
+__m512d otherLayout(__m512d run) {
+    return _mm512_maskz_permutexvar_pd(0xFF, _mm512_set_epi64(7, 3, 5, 1, 6, 2, 4, 0), run);
+}
+
 }  // namespace
 
+template <bool packed>
 void avx512(double* acc, const double* const* x, const double* const* k, int terms, int half) {
     // (−1, −1, −1, −1, +1, +1, +1, +1): the real part subtracts xi·ki, the imaginary part adds xi·kr.
     const __m512d sign = _mm512_set_pd(1.0, 1.0, 1.0, 1.0, -1.0, -1.0, -1.0, -1.0);
@@ -38,16 +45,15 @@ void avx512(double* acc, const double* const* x, const double* const* k, int ter
         const __m512d first = lanes<kLowHalves>(same, crossed);
         const __m512d second = lanes<kHighHalves>(same, crossed);
         const __m512d sum = _mm512_fmadd_pd(second, sign, _mm512_add_pd(first, _mm512_loadu_pd(acc + run)));
-        _mm512_storeu_pd(acc + run, sum);
+        _mm512_storeu_pd(acc + run, packed ? otherLayout(sum) : sum);
     }
 }
+template void avx512<false>(double*, const double* const*, const double* const*, int, int);
+template void avx512<true>(double*, const double* const*, const double* const*, int, int);
 
 void swapAvx512(double* spectrum, int half) {
-    // Entries 0, 4, 2, 6, 1, 5, 3, 7 of each run (macLayoutIndex(), which is its own inverse);
-    // zero-masking for the same reason as lanes().
-    const __m512i order = _mm512_set_epi64(7, 3, 5, 1, 6, 2, 4, 0);
     for (int run = 0; run < 2 * half; run += 8)
-        _mm512_storeu_pd(spectrum + run, _mm512_maskz_permutexvar_pd(0xFF, order, _mm512_loadu_pd(spectrum + run)));
+        _mm512_storeu_pd(spectrum + run, otherLayout(_mm512_loadu_pd(spectrum + run)));
 }
 
 }  // namespace dsp::mac
