@@ -45,10 +45,6 @@ void PartitionStage::complete(int side, const PartitionSpectra& kernels, bool us
 }
 
 void PartitionStage::advance() {
-    for (int side = 0; side < kSides; ++side) {
-        double* acc = accumulated(side, current_);
-        std::fill(acc, acc + 2 * half_, 0.0);
-    }
     current_ = current_ + 1 == count_ ? 0 : current_ + 1;
     since_ = std::min(since_ + 1, count_);
 }

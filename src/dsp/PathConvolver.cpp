@@ -129,17 +129,19 @@ void PathConvolver::headBlock(int side, bool usable) {
     std::fill(input_[side] + 2 * h, input_[side] + 2 * m, 0.0);
     head_.complete(side, headKernels(side), usable, fft_, mac_);
 
-    const double* current = head_.output(side);
+    double* current = head_.output(side);
     double* output = output_[side];
     double* overlap = sides_[side].overlap.data();
     if (m == h) {
         for (int t = 0; t < h; ++t) {
             output[t] = overlap[t] + current[2 * t];
             overlap[t] = current[2 * t + 1];
+            current[2 * t] = current[2 * t + 1] = 0.0;
         }
     } else {
         for (int t = 0; t < h; ++t) output[t] = overlap[t] + current[2 * t];
         for (int t = 0; t < h; ++t) overlap[t] = current[sampleEntry(m, h + t)];
+        std::fill(current, current + 2 * m, 0.0);
     }
 }
 
@@ -153,7 +155,9 @@ void PathConvolver::tailBlock(int side, bool usable) {
     std::copy(frame, frame + entries, tail_.frame(side));
     std::fill(frame, frame + entries, 0.0);
     tail_.complete(side, tailKernels(side), usable, fft_, mac_);
-    addToRing(side, tail_.output(side), plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+    double* output = tail_.output(side);
+    addToRing(side, output, plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+    std::fill(output, output + plan_.tailPartitionDoubles(), 0.0);
 }
 
 // The signal's samples t < half are its even entries, the others its odd entries; each range
