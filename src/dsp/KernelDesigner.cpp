@@ -181,9 +181,9 @@ bool KernelDesigner::multiplyByNewest(double* frameA, double* frameB, int frameS
         double* spectrum = multiplyScratch_.data();
         std::copy(frames[side], frames[side] + 2 * frameSize, spectrum);
         std::fill(frames[side], frames[side] + 2 * frameSize, 0.0);
-        swapMacLayout(spectrum, frameSize);
+        mac.swap(spectrum, frameSize);
         macSpectrum(mac, frames[side], spectrum, set.spectrum(side), frameSize);
-        swapMacLayout(frames[side], frameSize);
+        mac.swap(frames[side], frameSize);
     }
     return true;
 }

@@ -25,12 +25,10 @@ void PartitionStage::clear() {
     since_ = 0;
 }
 
-void PartitionStage::complete(int side, double* frame, const PartitionSpectra& kernels, bool usable, const Fft& fft,
-                              SpectrumMac mac) {
-    const int entries = 2 * half_;
+void PartitionStage::complete(int side, const PartitionSpectra& kernels, bool usable, const Fft& fft, SpectrumMac mac) {
+    double* frame = spectrum(side, current_);
     fft.forwardAny(frame, half_);
-    swapMacLayout(frame, half_);
-    std::copy(frame, frame + entries, spectrum(side, current_));
+    mac.swap(frame, half_);
 
     double* acc = accumulated(side, current_);
     if (usable) {
@@ -39,17 +37,14 @@ void PartitionStage::complete(int side, double* frame, const PartitionSpectra& k
             terms_.x[p] = spectrum(side, current_ + count_ - p);
             terms_.k[p] = kernels[p];
         }
-        macSpectra(mac, acc, terms_.x.data(), terms_.k.data(), terms, half_);
+        macSpectraPacked(mac, acc, terms_.x.data(), terms_.k.data(), terms, half_);
+    } else {
+        mac.swap(acc, half_);
     }
-    swapMacLayout(acc, half_);
     fft.inverseAny(acc, half_);
 }
 
 void PartitionStage::advance() {
-    for (int side = 0; side < kSides; ++side) {
-        double* acc = accumulated(side, current_);
-        std::fill(acc, acc + 2 * half_, 0.0);
-    }
     current_ = current_ + 1 == count_ ? 0 : current_ + 1;
     since_ = std::min(since_ + 1, count_);
 }
@@ -65,7 +60,7 @@ void PartitionStage::catchUp(int side, double* partial, const PartitionSpectra& 
     }
     if (partial) {
         fft.forwardAny(partial, half_);
-        swapMacLayout(partial, half_);
+        mac.swap(partial, half_);
         for (int p = 0; p < count_; ++p) macSpectrum(mac, accumulated(side, current_ + p), partial, kernels[p], half_);
     }
 }

@@ -39,13 +39,17 @@ public:
     void configure(int half, int count);
     void clear();
 
-    // Block c (time signal of 2M entries in `frame`, destroyed) is complete: its spectrum joins
-    // the delay line, and c's output, summed with `kernels` when `usable`, is transformed back
-    // into the accumulated spectrum of c, which output(side) then shows until advance().
-    void complete(int side, double* frame, const PartitionSpectra& kernels, bool usable, const Fft& fft,
-                  SpectrumMac mac);
-    const double* output(int side) const { return accumulated(side, current_); }
-    // After both sides: the output slot is cleared for the block count blocks later.
+    // Where block c's time signal of 2M entries goes before complete(): the delay line's slot
+    // for c, which it is transformed in.
+    double* frame(int side) { return spectrum(side, current_); }
+    // Block c (in frame(side)) is complete: its spectrum joins the delay line, and c's output,
+    // summed with `kernels` when `usable`, is transformed back into the accumulated spectrum of
+    // c, which output(side) then shows until advance(). Whoever reads it leaves it silent: the
+    // slot collects the sums of the block count blocks later (clearing it while reading saves
+    // a pass of its own).
+    void complete(int side, const PartitionSpectra& kernels, bool usable, const Fft& fft, SpectrumMac mac);
+    double* output(int side) { return accumulated(side, current_); }
+    // After both sides.
     void advance();
 
     // A new set is about to be held: the blocks since the last change add their products with

@@ -16,12 +16,10 @@ PathConvolver::PathConvolver(int maxFrameSize, MacFamily mac, FftFamily fft)
       ringMask_(powerOfTwoAtLeast(4 * static_cast<size_t>(maxFrameSize)) - 1) {
     for (int side = 0; side < kSides; ++side) {
         Side& s = sides_[side];
-        s.input = AlignedBuffer(maxN_);
         s.tailFrame = AlignedBuffer(2 * static_cast<size_t>(maxN_));
         s.ring = AlignedBuffer(ringMask_ + 1);
         s.output = AlignedBuffer(maxN_);
         s.overlap = AlignedBuffer(maxN_);
-        input_[side] = s.input.data();
         output_[side] = s.output.data();
     }
     configure(std::min(4096, maxN_), std::min(4096, maxN_));
@@ -41,7 +39,6 @@ void PathConvolver::configure(int frameSize, int hop, int convolutionHop) {
 
 void PathConvolver::clear() {
     for (Side& s : sides_) {
-        s.input.clear(plan_.hop);
         s.tailFrame.clear(plan_.tailPartitionDoubles());
         if (plan_.hasTail()) s.ring.clear();  // only the tail uses it; a new plan clears again
         s.output.clear(plan_.hop);
@@ -49,6 +46,7 @@ void PathConvolver::clear() {
     }
     head_.clear();
     tail_.clear();
+    for (int side = 0; side < kSides; ++side) input_[side] = head_.frame(side);
     fill_ = 0;
     boundary_ = hop_;
     tailGathered_ = 0;
@@ -75,11 +73,12 @@ void PathConvolver::convolveBlock() {
     for (int side = 0; side < kSides; ++side) {
         if (plan_.hasTail()) {
             double* frame = sides_[side].tailFrame.data() + 2 * static_cast<size_t>(tailGathered_) * h;
-            for (int t = 0; t < h; ++t) frame[2 * t] = input_[side][t];
+            for (int t = 0; t < h; ++t) frame[2 * t] = input_[side][2 * t];
         }
         headBlock(side, usable);
     }
     head_.advance();
+    for (int side = 0; side < kSides; ++side) input_[side] = head_.frame(side);
 
     if (plan_.hasTail()) {
         if (++tailGathered_ == plan_.tailHops) {
@@ -102,7 +101,8 @@ void PathConvolver::settleHeldSet(int partial) {
         double* headPart = nullptr;
         if (partial > 0) {
             headPart = work_.data();
-            gather(headPart, input, partial, plan_.headHalf);
+            std::copy(input, input + 2 * partial, headPart);
+            std::fill(headPart + 2 * partial, headPart + 2 * plan_.headHalf, 0.0);
         }
         head_.catchUp(side, headPart, headKernels(side), usable, fft_, mac_);
         if (plan_.hasTail()) {
@@ -110,55 +110,54 @@ void PathConvolver::settleHeldSet(int partial) {
             // the current block's part.
             double* frame = sides_[side].tailFrame.data();
             double* tailPart = frame + 2 * static_cast<size_t>(tailGathered_) * plan_.hop;
-            for (int t = 0; t < partial; ++t) tailPart[2 * t] = input[t];
+            for (int t = 0; t < partial; ++t) tailPart[2 * t] = input[2 * t];
             tail_.catchUp(side, tailGathered_ > 0 || partial > 0 ? frame : nullptr, tailKernels(side), usable, fft_,
                           mac_);
             std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
         }
-        std::fill(input, input + partial, 0.0);
+        std::fill(input, input + 2 * partial, 0.0);
     }
     head_.changed();
     tail_.changed();
-}
-
-// The first `count` samples of `input` as a time signal of 2·half entries (count ≤ half).
-void PathConvolver::gather(double* frame, const double* input, int count, int half) {
-    for (int t = 0; t < count; ++t) {
-        frame[2 * t] = input[t];
-        frame[2 * t + 1] = 0.0;
-    }
-    std::fill(frame + 2 * count, frame + 2 * half, 0.0);
 }
 
 // The block through the head partitions: the first Hc samples of its output complete this
 // block's output with what earlier blocks left; samples Hc..2Hc − 1 are left for the next one.
 void PathConvolver::headBlock(int side, bool usable) {
     const int h = plan_.hop, m = plan_.headHalf;
-    double* frame = work_.data();
-    gather(frame, input_[side], h, m);
-    head_.complete(side, frame, headKernels(side), usable, fft_, mac_);
+    // Samples h..m − 1 of the block: silence, where the hop is no power of two.
+    std::fill(input_[side] + 2 * h, input_[side] + 2 * m, 0.0);
+    head_.complete(side, headKernels(side), usable, fft_, mac_);
 
-    const double* current = head_.output(side);
+    double* current = head_.output(side);
     double* output = output_[side];
     double* overlap = sides_[side].overlap.data();
     if (m == h) {
         for (int t = 0; t < h; ++t) {
             output[t] = overlap[t] + current[2 * t];
             overlap[t] = current[2 * t + 1];
+            current[2 * t] = current[2 * t + 1] = 0.0;
         }
     } else {
         for (int t = 0; t < h; ++t) output[t] = overlap[t] + current[2 * t];
         for (int t = 0; t < h; ++t) overlap[t] = current[sampleEntry(m, h + t)];
+        std::fill(current, current + 2 * m, 0.0);
     }
 }
 
 // The tail block just completed: its output begins one tail length after the block began,
 // with the next block.
 void PathConvolver::tailBlock(int side, bool usable) {
+    // Gathered apart from the delay line: a kernel change before the block completes settles
+    // the part gathered so far through the same frame.
     double* frame = sides_[side].tailFrame.data();
-    tail_.complete(side, frame, tailKernels(side), usable, fft_, mac_);
-    std::fill(frame, frame + plan_.tailPartitionDoubles(), 0.0);
-    addToRing(side, tail_.output(side), plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+    const size_t entries = plan_.tailPartitionDoubles();
+    std::copy(frame, frame + entries, tail_.frame(side));
+    std::fill(frame, frame + entries, 0.0);
+    tail_.complete(side, tailKernels(side), usable, fft_, mac_);
+    double* output = tail_.output(side);
+    addToRing(side, output, plan_.tailHalf, 2 * plan_.tailLength(), blockStart_ + static_cast<size_t>(plan_.hop));
+    std::fill(output, output + plan_.tailPartitionDoubles(), 0.0);
 }
 
 // The signal's samples t < half are its even entries, the others its odd entries; each range

@@ -75,8 +75,10 @@ public:
     // One sample of each side in, one out (the sample Hc + N/2 − 1 samples earlier, after the
     // kernel).
     [[gnu::always_inline]] void process(double& a, double& b, PathConvolutionOps& ops) {
-        input_[0][fill_] = a;
-        input_[1][fill_] = b;
+        input_[0][2 * fill_] = a;
+        input_[0][2 * fill_ + 1] = 0.0;
+        input_[1][2 * fill_] = b;
+        input_[1][2 * fill_ + 1] = 0.0;
         if (++fill_ == boundary_) hopCompleted(ops);
         a = output_[0][read_];
         b = output_[1][read_];
@@ -90,11 +92,13 @@ public:
             const int run = std::min(count - i, boundary_ - fill_);
             const bool completes = fill_ + run == boundary_;
             double* x = pairs + 2 * i;
-            double* inA = input_[0] + fill_;
-            double* inB = input_[1] + fill_;
+            double* inA = input_[0] + 2 * fill_;
+            double* inB = input_[1] + 2 * fill_;
             for (int k = 0; k < run; ++k) {
-                inA[k] = x[2 * k];
-                inB[k] = x[2 * k + 1];
+                inA[2 * k] = x[2 * k];
+                inA[2 * k + 1] = 0.0;
+                inB[2 * k] = x[2 * k + 1];
+                inB[2 * k + 1] = 0.0;
             }
             fill_ += run;
             // A run's last sample completes the hop; after a block it leaves with its first output.
@@ -121,7 +125,6 @@ public:
 
 private:
     struct Side {
-        AlignedBuffer input;      // the block being gathered, Hc samples
         AlignedBuffer tailFrame;  // the tail's gathered blocks, 2·M2 entries
         AlignedBuffer ring;       // the tail's output samples by time, ringMask_ + 1 entries
         AlignedBuffer output;     // the block of output being read, Hc samples
@@ -135,7 +138,6 @@ private:
     // Before a newer set is taken: everything gathered so far settled with the set held until
     // now, the first `partial` samples of the current block included (and then cleared).
     void settleHeldSet(int partial);
-    static void gather(double* frame, const double* input, int count, int half);
     void headBlock(int side, bool usable);
     void tailBlock(int side, bool usable);
     // Adds samples 0..count − 1 of a half-interleaved signal of 2·half samples to the ring.
@@ -156,9 +158,11 @@ private:
     Side sides_[kSides];
     PartitionStage head_;
     PartitionStage tail_;
-    AlignedBuffer work_;  // one head transform, 2M entries
+    AlignedBuffer work_;  // the settled part of the current block, 2M entries
     size_t ringMask_;
 
+    // The block being gathered, straight into the head's frame for it: sample t at entry 2t,
+    // entry 2t + 1 (sample M + t of the transform) zero, the padding the product grows into.
     double* input_[kSides];
     double* output_[kSides];
     const KernelSet* held_ = nullptr;  // taken at the latest H-block

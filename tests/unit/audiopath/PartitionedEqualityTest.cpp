@@ -65,7 +65,8 @@ const struct Case {
 
 TEST(PartitionedConvolver, EqualsTheReferenceBlockConvolutionAcrossKernelSwaps) {
     for (const Case& c : kCases)
-        for (dsp::MacFamily family : {dsp::MacFamily::Plain, dsp::MacFamily::Sse2, dsp::MacFamily::Avx2Fma}) {
+        for (dsp::MacFamily family : {dsp::MacFamily::Plain, dsp::MacFamily::Sse2, dsp::MacFamily::Avx2Fma,
+                                         dsp::MacFamily::Avx512}) {
             SCOPED_TRACE("N " + std::to_string(c.n) + ", hop " + std::to_string(c.hop) + ", convolution hop " +
                          std::to_string(c.convolutionHop) + ", family " + std::to_string(static_cast<int>(family)));
             dsp::PathConvolver convolver(c.n, family);
