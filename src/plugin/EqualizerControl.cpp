@@ -52,8 +52,7 @@ void EqualizerControl::setSampleRate(float hostRate) {
             intRate = newRate;
             engine.setHostRate(newRate);
             // The padding, and with it the convolution hop, follows the rate.
-            const EngineFrame f = frame_.load();
-            if (frameFor(f.frameSize, f.partition) != f) setFrame(frameFor(f.frameSize, f.partition));
+            followPadding();
         }
         owner.hostRateSet(hostRate);
     }
@@ -83,11 +82,15 @@ void EqualizerControl::compensationModeChanged() {
     {
         platform::TimedLock::Guard guard(engineLock);
         if (!guard) return;
-        const EngineFrame f = frame_.load();
-        const EngineFrame wanted = frameFor(f.frameSize, f.partition);
-        if (wanted != f) recut = setFrame(wanted);
+        recut = followPadding();
     }
     if (recut) recutKernels();
+}
+
+bool EqualizerControl::followPadding() {
+    const EngineFrame f = frame_.load();
+    const EngineFrame wanted = frameFor(f.frameSize, f.partition);
+    return wanted != f && setFrame(wanted);
 }
 
 bool EqualizerControl::setFrame(EngineFrame f) {

@@ -135,6 +135,9 @@ private:
     // Under the engine lock: publishes the frame to the engine and suspends; true when the
     // kernels must be cut anew for it.
     bool setFrame(EngineFrame f);
+    // Under the engine lock: the current frame with the convolution hop the padding allows now
+    // (set only where that hop changes); true when the kernels must be cut anew.
+    bool followPadding();
     void applyFrameToEngine();
     // The frame with its convolution hop for these settings.
     EngineFrame frameFor(int frameSize, int partition) const;
